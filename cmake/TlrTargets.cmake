@@ -1,0 +1,36 @@
+# Helpers that give every target of the project the same warnings and layout.
+
+set(TLR_WARNINGS -Wall -Wextra -Werror)
+
+if(TLR_SANITIZE STREQUAL "thread")
+  add_compile_options(-fsanitize=thread -g)
+  add_link_options(-fsanitize=thread)
+elseif(TLR_SANITIZE STREQUAL "address")
+  add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer -g)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+# tlr_library(<subsystem> SOURCES ... [DEPS ...])
+# Makes the static library tlr_<subsystem> with src/ on its include path.
+function(tlr_library sub)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPS" ${ARGN})
+  add_library(tlr_${sub} STATIC ${ARG_SOURCES})
+  target_include_directories(tlr_${sub} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_compile_options(tlr_${sub} PRIVATE ${TLR_WARNINGS})
+  target_link_libraries(tlr_${sub} PUBLIC ${ARG_DEPS})
+endfunction()
+
+# tlr_test(<name> SOURCES ... [LIBS ...])
+# One GoogleTest binary; its cases are registered with ctest one by one.
+function(tlr_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
+  target_compile_options(${name} PRIVATE ${TLR_WARNINGS})
+  # Tests find the built programs and the samples through these two paths.
+  target_compile_definitions(${name} PRIVATE TLR_BUILD_DIR="${CMAKE_BINARY_DIR}"
+                                             TLR_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gtest GTest::gtest_main Threads::Threads)
+  gtest_discover_tests(${name} WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} DISCOVERY_TIMEOUT 60)
+endfunction()
