@@ -1,0 +1,70 @@
+#pragma once
+
+#include <rapidjson/document.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The one message type between the switch and a module: a JSON document
+//   {"SIP":{"V":1,"CMD":[{"OC":..,"OE":..,"OI":..,"CI":..,"CA":..,"MI":..,"ST":..,"DA":..}]}}
+// and the index of the command that is meant. Reads never change the record; a path that
+// is missing reads as the reader's default.
+class CommandRecord {
+  public:
+    static constexpr uint32_t kNoStatus = 0xFFFFFFFF;  // a request to the switch has no ST yet
+    static constexpr uint32_t kDefaultStatus = 22;     // what a missing ST reads as
+    static constexpr uint32_t kAllCabinets = 0xFFFFFFFF;
+
+    // An empty record: no SIP, so every read gives its default and every write is lost.
+    CommandRecord();
+    // A record with one command holding OC, OE and OI (when not 0), CA and ST (when given).
+    CommandRecord(uint32_t oc, uint32_t oe, uint32_t oi, uint32_t ca, uint32_t st);
+    CommandRecord(const CommandRecord&) = delete;
+    CommandRecord& operator=(const CommandRecord&) = delete;
+
+    // Replaces the document with parsed JSON text; false (record unchanged) if it is no JSON.
+    bool SetJson(std::string_view text);
+    // The whole document as compact JSON.
+    std::string ToJson() const;
+
+    // The member of an object value with exactly this name, first in order; null if none.
+    static const rapidjson::Value* FindMember(const rapidjson::Value& object, const char* name);
+    // The command at an index, null when the path or the entry is missing or no object.
+    const rapidjson::Value* Command(uint32_t index) const;
+
+    uint32_t GetField(uint32_t index, const char* name, uint32_t defaultValue) const;
+    uint32_t GetField(const char* name, uint32_t defaultValue) const {
+        return GetField(m_nCurrentCommand, name, defaultValue);
+    }
+    bool HasField(uint32_t index, const char* name) const;
+    bool HasField(const char* name) const { return HasField(m_nCurrentCommand, name); }
+    bool HasData() const;
+    size_t GetDataLength(uint32_t index) const;
+    bool GetDataUInt(uint32_t index, uint32_t& value) const;
+    bool GetDataString(uint32_t index, std::string& text, uint32_t start) const;
+    bool GetDataBytes(uint32_t index, std::vector<uint8_t>& bytes) const;
+    // True when the record has no CA, CA is -1, or CA is the server's cabinet number.
+    bool IsForThisCabinet() const;
+
+    void SetStatus(uint32_t status);
+    void SetDataByte(int value, uint32_t status);
+    void SetDataUInt(uint32_t value, uint32_t status);
+    void SetDataUInt64(uint64_t value, uint32_t status);
+    void SetDataString(const char* text, uint32_t status);
+    void SetDataRaw(const std::vector<uint8_t>& bytes, uint32_t status);
+    // Writes a member of the current command, made if needed; lost if the record has no CMD.
+    void SetField(const char* name, rapidjson::Value&& value);
+    // Makes sure the current command exists, appending empty commands to CMD up to it.
+    rapidjson::Value* EnsureCommand();
+
+    rapidjson::Document& Document() { return m_Document; }
+    const rapidjson::Document& Document() const { return m_Document; }
+
+    rapidjson::Document m_Document;
+    uint32_t m_nCurrentCommand = 0;
+
+  private:
+    const rapidjson::Value* Data(uint32_t index) const;
+};

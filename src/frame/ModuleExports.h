@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+
+class CIExtensionModule;
+
+// The export layer's side of the four entry points: it owns the one module object of the
+// process. The shared object's exports call these with the module's own maker.
+namespace module_exports {
+
+using Maker = CIExtensionModule* (*)();
+
+bool Create(CIExtensionModule** out, Maker make, const char* moduleName);
+int Delete(const char* moduleName);
+int SetupAction(uint32_t action, const char* moduleName);
+// The object made by Create, or null.
+CIExtensionModule* Current();
+
+}  // namespace module_exports

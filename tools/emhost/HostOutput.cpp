@@ -1,0 +1,13 @@
+#include "HostOutput.h"
+
+void HostOutput::WriteLine(const std::string& json) {
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    fwrite(json.data(), 1, json.size(), m_pOut);
+    fputc('\n', m_pOut);
+    fflush(m_pOut);
+}
+
+void HostOutput::Flush() {
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    fflush(m_pOut);
+}

@@ -1,0 +1,173 @@
+// emhost: loads a module's shared object as the agent daemon does, plays the switch and the
+// trace server, and lets a person or a test drive the module with JSON lines.
+#include <unistd.h>
+
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "HostOutput.h"
+#include "HostSwitch.h"
+#include "HostTraceServer.h"
+#include "LineProtocol.h"
+#include "ModuleLibrary.h"
+
+namespace {
+
+constexpr int kUsageError = 2;
+constexpr char kDefaultModule[] = "em_tlraid.so";
+
+const char kUsage[] =
+    "usage: emhost [--module PATH] [--switch-type N] [--answer OC=JSON]... [--trace FILE] "
+    "[SCRIPT]\n"
+    "\n"
+    "Loads an extension module and drives it with JSON lines, one per line, from SCRIPT or\n"
+    "standard input. Each line gets one JSON result line on standard output.\n"
+    "\n"
+    "  --module PATH      the shared object to load (default: em_tlraid.so beside emhost)\n"
+    "  --switch-type N    what the switch's GetSwitchType answers (default 1; 5 and 10 are\n"
+    "                     the agentless service)\n"
+    "  --answer OC=JSON   how the switch answers requests of object code OC (decimal or 0x hex):\n"
+    "                     JSON is an object whose ST and DA are written into the request;\n"
+    "                     may be given several times\n"
+    "  --trace FILE       append every trace message to FILE (default: standard error)\n"
+    "  --help             this text\n"
+    "\n"
+    "Lines: a command record {\"SIP\":{...}}, or an action {\"host\":ACTION,...} with ACTION one\n"
+    "of create, delete, name, setup, info, detected, cabinet, start, switch-started, notify,\n"
+    "detach, selist, stop, answer, request, burst, wait-events, sleep, exit.\n"
+    "Empty lines and lines beginning with # are skipped. See README.md for the members.\n";
+
+struct Options {
+    std::string module;
+    uint32_t switchType = 1;
+    std::vector<std::pair<uint32_t, std::string>> answers;
+    std::string trace;
+    std::string script;
+};
+
+[[noreturn]] void UsageError(const std::string& text) {
+    fprintf(stderr, "emhost: %s\n(see emhost --help)\n", text.c_str());
+    exit(kUsageError);
+}
+
+bool ParseU32(const std::string& text, uint32_t& value) {
+    if (text.empty())
+        return false;
+    char* end = nullptr;
+    errno = 0;
+    unsigned long long v = strtoull(text.c_str(), &end, 0);
+    if (errno || *end || v > 0xFFFFFFFFull || text[0] == '-')
+        return false;
+    value = static_cast<uint32_t>(v);
+    return true;
+}
+
+std::string DirectoryOfSelf() {
+    char path[PATH_MAX];
+    ssize_t n = readlink("/proc/self/exe", path, sizeof(path) - 1);
+    if (n <= 0)
+        return ".";
+    path[n] = '\0';
+    std::string p(path);
+    size_t slash = p.rfind('/');
+    return slash == std::string::npos ? "." : p.substr(0, slash);
+}
+
+Options ParseOptions(int argc, char** argv) {
+    Options o;
+    for (int i = 1; i < argc; ++i) {
+        std::string arg = argv[i];
+        auto value = [&](const char* name) -> std::string {
+            if (i + 1 >= argc)
+                UsageError(std::string(name) + " needs a value");
+            return argv[++i];
+        };
+        if (arg == "--help" || arg == "-h") {
+            fputs(kUsage, stdout);
+            exit(0);
+        } else if (arg == "--module") {
+            o.module = value("--module");
+        } else if (arg == "--switch-type") {
+            if (!ParseU32(value("--switch-type"), o.switchType)) {
+                UsageError("--switch-type takes a number from 0 to 4294967295");
+            }
+        } else if (arg == "--answer") {
+            std::string spec = value("--answer");
+            size_t eq = spec.find('=');
+            uint32_t oc = 0;
+            if (eq == std::string::npos || !ParseU32(spec.substr(0, eq), oc)) {
+                UsageError("--answer takes OC=JSON, OC a number such as 8464 or 0x2110");
+            }
+            o.answers.emplace_back(oc, spec.substr(eq + 1));
+        } else if (arg == "--trace") {
+            o.trace = value("--trace");
+        } else if (arg.size() > 1 && arg[0] == '-') {
+            UsageError("unknown option " + arg);
+        } else if (o.script.empty()) {
+            o.script = arg;
+        } else {
+            UsageError("only one SCRIPT may be given");
+        }
+    }
+    if (o.module.empty())
+        o.module = DirectoryOfSelf() + "/" + kDefaultModule;
+    return o;
+}
+
+// Ends the process at once: the module may run threads, and nothing of it is called.
+[[noreturn]] void ExitNow(HostOutput& output) {
+    output.Flush();
+    Debug.Flush();
+    _exit(0);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    Options options = ParseOptions(argc, argv);
+    if (!options.trace.empty() && !Debug.OpenFile(options.trace)) {
+        fprintf(stderr, "emhost: cannot open trace file %s: %s\n", options.trace.c_str(),
+                strerror(errno));
+        return kUsageError;
+    }
+    std::ifstream scriptFile;
+    if (!options.script.empty()) {
+        scriptFile.open(options.script);
+        if (!scriptFile) {
+            fprintf(stderr, "emhost: cannot read script %s: %s\n", options.script.c_str(),
+                    strerror(errno));
+            return kUsageError;
+        }
+    }
+
+    static HostOutput output(stdout);
+    static HostSwitch hostSwitch(output, options.switchType);
+    for (const auto& [oc, json] : options.answers) {
+        std::string error;
+        if (!hostSwitch.SetAnswer(oc, json, error))
+            UsageError(error);
+    }
+    static ModuleLibrary library;
+    std::string error;
+    if (!library.Load(options.module, error)) {
+        fprintf(stderr, "emhost: %s\n", error.c_str());
+        return kUsageError;
+    }
+
+    LineProtocol protocol(output, hostSwitch, library);
+    std::istream& in = options.script.empty() ? std::cin : scriptFile;
+    std::string line;
+    while (std::getline(in, line)) {
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        if (!protocol.HandleLine(line))
+            break;
+    }
+    ExitNow(output);
+}
