@@ -1,0 +1,88 @@
+// Threads: start, join by Kill, and the trace lines around them.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include "runtime/Event.h"
+#include "runtime/Thread.h"
+#include "support/CaptureTraceServer.h"
+
+namespace {
+
+struct Worker {
+    CEvent stop{false, true};
+    std::atomic<int> runs{0};
+    static void* Run(void* self) {
+        auto* w = static_cast<Worker*>(self);
+        ++w->runs;
+        w->stop.Wait(CEvent::kWaitForever, false);
+        return TraceThreadReturn(reinterpret_cast<void*>(0x2A));
+    }
+};
+
+TEST(ThreadTest, KillWithoutThreadFails) {
+    ScopedTraceLevel level(1);
+    CThread thread;
+    EXPECT_FALSE(thread.Kill());
+    EXPECT_NE(Debug.Take().find("\nCThread::Kill: Thread = 0x000000000 doesn't exist !"),
+              std::string::npos);
+}
+
+TEST(ThreadTest, KillJoinsAJoinableThreadOnce) {
+    ScopedTraceLevel level(2);
+    Worker worker;
+    CThread thread;
+    ASSERT_TRUE(thread.Start(Worker::Run, &worker, 63, false, 0, 0, true));
+    EXPECT_NE(thread.Handle(), 0u);
+    while (worker.runs == 0)
+        std::this_thread::yield();
+    worker.stop.Set();
+    EXPECT_TRUE(thread.Kill());
+    EXPECT_EQ(thread.Handle(), 0u);
+    EXPECT_FALSE(thread.Kill());
+    std::string trace = Debug.Take();
+    EXPECT_NE(trace.find("\nThreadPrio=63"), std::string::npos);
+    EXPECT_NE(trace.find("THREAD_RETURN: ## INFO: Thread = 0x"), std::string::npos);
+    EXPECT_NE(trace.find("exited, Return = 0x0000002a##\n"), std::string::npos);
+    EXPECT_NE(trace.find("has terminated, pstat=0x2a"), std::string::npos);
+}
+
+TEST(ThreadTest, StartWaitsForTheRunningThreadFirst) {
+    Worker worker;
+    CThread thread;
+    ASSERT_TRUE(thread.Start(Worker::Run, &worker, 0, false, 0, 0, true));
+    while (worker.runs == 0)
+        std::this_thread::yield();
+    std::thread releaser([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        EXPECT_EQ(worker.runs, 1);  // the second Start is still blocked in Kill
+        worker.stop.Set();
+    });
+    ASSERT_TRUE(thread.Start(Worker::Run, &worker, 0, false, 0, 0, true));
+    releaser.join();
+    while (worker.runs < 2)
+        std::this_thread::yield();
+    EXPECT_TRUE(thread.Kill());
+}
+
+TEST(ThreadTest, DestructionJoinsTheThread) {
+    Worker worker;
+    {
+        CThread thread;
+        ASSERT_TRUE(thread.Start(Worker::Run, &worker, 63, false, 0, 0, true));
+        worker.stop.Set();
+    }
+    EXPECT_EQ(worker.runs, 1);
+}
+
+TEST(ThreadTest, NameLineNamesModuleAndQualifier) {
+    ScopedTraceLevel level(1);
+    TraceThreadName(0, "EM_TLRAID", "_StorageDeviceTreePollingThread");
+    EXPECT_EQ(Debug.Take(),
+              "CThread::SetThreadName: ThreadId = 0x00000000, DebugName = EM_TLRAID, Qualifier = "
+              "(_StorageDeviceTreePollingThread)\n");
+}
+
+}  // namespace

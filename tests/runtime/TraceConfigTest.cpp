@@ -1,0 +1,229 @@
+// The trace client's configuration: files, sections, keys, environment and dynamic update.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <utime.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "runtime/DebugClient.h"
+#include "support/CaptureTraceServer.h"
+#include "support/TempDir.h"
+
+namespace {
+
+time_t g_tNow = 1000000;
+time_t FakeClock() {
+    return g_tNow;
+}
+
+const char kModule[] = "EM_TLRAID";
+
+std::string ModuleFile(const std::string& level, const std::string& extra = "") {
+    return "[GlobalDebugSettings]\nDynamicUpdate=0\n[EM_TLRAID]\nFileDebugLevel=" + level + "\n" +
+           extra + "[EndOfFile]\n";
+}
+
+void SetModified(const std::string& path, time_t when) {
+    struct utimbuf times = {when, when};
+    utime(path.c_str(), &times);
+}
+
+// Clears the two variables for a test and puts back what the process had.
+class TraceEnvironment : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        unsetenv("TL_LOG_DEBUG_LEVEL");
+        unsetenv("TL_LOG_DYNAMIC_UPDATE");
+        g_tNow = 1000000;
+    }
+    void TearDown() override { SetUp(); }
+
+    uint32_t LevelFor(const std::string& dir) {
+        CDebugClient client(dir.c_str(), FakeClock);
+        client.Initialize(kModule);
+        return client.m_nLevel;
+    }
+
+    TempDir m_Dir;
+};
+
+TEST_F(TraceEnvironment, FileLevelIsRead) {
+    m_Dir.Write("global_trace.ini", ModuleFile("3"));
+    CDebugClient client(m_Dir.Path().c_str(), FakeClock);
+    EXPECT_EQ(client.Initialize(kModule), 1);
+    EXPECT_EQ(client.m_nLevel, 3u);
+    EXPECT_EQ(client.m_nLevelCopy, 3u);
+    EXPECT_EQ(client.m_nFileLevel, 3u);
+    EXPECT_TRUE(client.IsEnabled());
+}
+
+TEST_F(TraceEnvironment, KeyValuesUseBaseZeroAndSkipNewlines) {
+    struct Row {
+        const char* value;
+        uint32_t level;
+    } rows[] = {{"0x5", 5}, {"010", 8}, {"16", 16}, {"\n7", 7}, {"  \n\t 4", 4}, {"abc", 0}};
+    for (const Row& row : rows) {
+        m_Dir.Write("global_trace.ini", ModuleFile(row.value));
+        EXPECT_EQ(LevelFor(m_Dir.Path()), row.level) << "value: " << row.value;
+    }
+}
+
+TEST_F(TraceEnvironment, KeyTextMatchesInsideCommentsFirst) {
+    m_Dir.Write(
+        "global_trace.ini",
+        "[EM_TLRAID]\n; FileDebugLevel = 9 is the loudest\nFileDebugLevel=2\n[EndOfFile]\n");
+    EXPECT_EQ(LevelFor(m_Dir.Path()), 9u);
+}
+
+TEST_F(TraceEnvironment, LastSectionMustBeEndOfFile) {
+    m_Dir.Write("global_trace.ini", "[EM_TLRAID]\nFileDebugLevel=3\n[endoffile]\n");
+    EXPECT_EQ(LevelFor(m_Dir.Path()), 3u);
+    m_Dir.Write("global_trace.ini", "[EM_TLRAID]\nFileDebugLevel=3\n[EndOfFil]\n");
+    EXPECT_EQ(LevelFor(m_Dir.Path()), 0u);
+    m_Dir.Write("global_trace.ini", "[EM_TLRAID]\nFileDebugLevel=3\n");
+    EXPECT_EQ(LevelFor(m_Dir.Path()), 0u);
+}
+
+TEST_F(TraceEnvironment, SectionNameIgnoresCaseAndStopsAtNextSection) {
+    m_Dir.Write("global_trace.ini",
+                "[em_tlraid]\nTraceFlags=1\n[Other]\nFileDebugLevel=6\n[EndOfFile]");
+    EXPECT_EQ(LevelFor(m_Dir.Path()), 0u);
+    m_Dir.Write("global_trace.ini",
+                "[EM_TLRAIDX]\nFileDebugLevel=6\n[em_tlraid]\nFileDebugLevel=2\n[EndOfFile]");
+    EXPECT_EQ(LevelFor(m_Dir.Path()), 2u);
+}
+
+TEST_F(TraceEnvironment, FirstFileWithTheSectionWinsInSortedOrder) {
+    m_Dir.Write("b.ini", ModuleFile("4"));
+    m_Dir.Write("a.ini.bak", ModuleFile("5"));
+    m_Dir.Write(".#c.ini", ModuleFile("6"));
+    m_Dir.Write("notes.txt", ModuleFile("1"));
+    EXPECT_EQ(LevelFor(m_Dir.Path()), 5u);
+}
+
+TEST_F(TraceEnvironment, EnvironmentOverridesFileButNotAnEmptyListing) {
+    setenv("TL_LOG_DEBUG_LEVEL", "3", 1);
+    // An existing directory without .ini files: the environment is not looked at.
+    EXPECT_EQ(LevelFor(m_Dir.Path()), 0u);
+    // A missing directory: it is.
+    EXPECT_EQ(LevelFor(m_Dir.Path() + "/missing"), 3u);
+    m_Dir.Write("global_trace.ini", ModuleFile("1"));
+    EXPECT_EQ(LevelFor(m_Dir.Path()), 3u);
+}
+
+TEST_F(TraceEnvironment, InitializeRefusesAnEmptyName) {
+    CDebugClient client(m_Dir.Path().c_str(), FakeClock);
+    EXPECT_EQ(client.Initialize(nullptr), 0);
+    EXPECT_EQ(client.Initialize(""), 0);
+}
+
+TEST_F(TraceEnvironment, LevelTestLetsEqualLevelsPass) {
+    m_Dir.Write("global_trace.ini", ModuleFile("5"));
+    CDebugClient client(m_Dir.Path().c_str(), FakeClock);
+    client.Initialize(kModule);
+    Debug.Take();
+    client.Trace(5, "\n%-20s: five", "TAG");
+    client.Trace(6, "six");
+    EXPECT_EQ(Debug.Take(), "\nTAG                 : five");
+    EXPECT_EQ(Debug.LastModuleName(), kModule);
+    client.m_nLevel = 4;
+    client.Trace(5, "five");
+    EXPECT_EQ(Debug.Take(), "");
+}
+
+TEST_F(TraceEnvironment, PrintIgnoresTheLevel) {
+    CDebugClient client(m_Dir.Path().c_str(), FakeClock);
+    Debug.Take();
+    client.Print("a%d", 1);
+    client.PrintLevel(99, "b%d", 2);
+    EXPECT_EQ(Debug.Take(), "a1b2");
+    EXPECT_EQ(Debug.LastModuleName(), "");
+}
+
+TEST_F(TraceEnvironment, DynamicUpdateReplacesTheEnvironmentLevel) {
+    setenv("TL_LOG_DEBUG_LEVEL", "4", 1);
+    setenv("TL_LOG_DYNAMIC_UPDATE", "10", 1);
+    std::string path = m_Dir.Write("global_trace.ini", ModuleFile("2"));
+    SetModified(path, 5000);
+    CDebugClient client(m_Dir.Path().c_str(), FakeClock);
+    client.Initialize(kModule);
+    EXPECT_EQ(client.m_nLevel, 4u);
+    EXPECT_EQ(client.m_nUpdateInterval, 10u);
+
+    g_tNow += 10;
+    client.Trace(6, "x");  // due, but the file has not changed
+    EXPECT_EQ(client.m_nLevel, 4u);
+
+    SetModified(path, 6000);
+    g_tNow += 5;
+    client.Trace(6, "x");  // changed, but not due yet
+    EXPECT_EQ(client.m_nLevel, 4u);
+    g_tNow += 5;
+    client.Trace(6, "x");
+    EXPECT_EQ(client.m_nLevel, 2u);
+    EXPECT_EQ(client.m_nLevelCopy, 2u);
+}
+
+TEST_F(TraceEnvironment, DynamicUpdateChecksWhenTheClockStepsBack) {
+    setenv("TL_LOG_DYNAMIC_UPDATE", "100", 1);
+    std::string path = m_Dir.Write("global_trace.ini", ModuleFile("2"));
+    SetModified(path, 5000);
+    CDebugClient client(m_Dir.Path().c_str(), FakeClock);
+    client.Initialize(kModule);
+    client.Trace(6, "x");  // the first check is due at once
+    m_Dir.Write("global_trace.ini", ModuleFile("3"));
+    SetModified(path, 6000);
+    g_tNow -= 1;
+    client.Trace(6, "x");
+    EXPECT_EQ(client.m_nLevel, 3u);
+}
+
+TEST_F(TraceEnvironment, DeletedFileIsDroppedForGood) {
+    setenv("TL_LOG_DYNAMIC_UPDATE", "1", 1);
+    std::string path = m_Dir.Write("global_trace.ini", ModuleFile("2"));
+    SetModified(path, 5000);
+    CDebugClient client(m_Dir.Path().c_str(), FakeClock);
+    client.Initialize(kModule);
+    remove(path.c_str());
+    g_tNow += 1;
+    client.Trace(6, "x");
+    EXPECT_TRUE(client.m_ModuleReader.Path().empty());
+
+    m_Dir.Write("global_trace.ini", ModuleFile("5"));
+    SetModified(path, 7000);
+    g_tNow += 1;
+    client.Trace(6, "x");
+    EXPECT_EQ(client.m_nLevel, 2u);
+}
+
+TEST_F(TraceEnvironment, ClientThatStartedSilentStaysDisabled) {
+    setenv("TL_LOG_DYNAMIC_UPDATE", "1", 1);
+    std::string path = m_Dir.Write("global_trace.ini", ModuleFile("0"));
+    SetModified(path, 5000);
+    CDebugClient client(m_Dir.Path().c_str(), FakeClock);
+    client.Initialize(kModule);
+    EXPECT_FALSE(client.IsEnabled());
+    m_Dir.Write("global_trace.ini", ModuleFile("6"));
+    SetModified(path, 6000);
+    g_tNow += 1;
+    client.Trace(6, "x");
+    EXPECT_EQ(client.m_nLevel, 6u);
+    EXPECT_FALSE(client.IsEnabled());
+}
+
+TEST_F(TraceEnvironment, GlobalFileSetsTheUpdateInterval) {
+    std::string path = m_Dir.Write("global_trace.ini",
+                                   "[GlobalDebugSettings]\nDynamicUpdate=30\n[EM_TLRAID]\n"
+                                   "FileDebugLevel=1\n[EndOfFile]\n");
+    CDebugClient client(m_Dir.Path().c_str(), FakeClock);
+    client.Initialize(kModule);
+    EXPECT_EQ(client.m_nDynamicUpdate, 30u);
+    EXPECT_EQ(client.m_nUpdateInterval, 30u);
+    setenv("TL_LOG_DYNAMIC_UPDATE", "7", 1);
+    CDebugClient fromEnv(m_Dir.Path().c_str(), FakeClock);
+    fromEnv.Initialize(kModule);
+    EXPECT_EQ(fromEnv.m_nUpdateInterval, 7u);
+}
+
+}  // namespace

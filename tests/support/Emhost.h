@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "support/Process.h"
+
+// One run of build/emhost inside the sandbox: the lines sent, the lines that came back,
+// and the trace that its trace server wrote.
+struct EmhostRun {
+    ProcessResult process;
+    std::vector<std::string> lines;
+    std::string trace;
+};
+
+struct EmhostOptions {
+    std::vector<std::string> sandbox = {"--trace-level", "6"};
+    std::vector<std::string> emhost;  // options of emhost itself, besides --trace
+    std::vector<std::string> env;     // NAME=VALUE set for emhost
+};
+
+EmhostRun RunEmhost(const std::vector<std::string>& inputLines, const EmhostOptions& options = {});
