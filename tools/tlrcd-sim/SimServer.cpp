@@ -137,6 +137,12 @@ bool CSimServer::Open(const CTlsIdentity& identity, std::string& error) {
         if (res.body.empty())
             AnswerError(res, res.status, "no such endpoint or method");
     });
+    // Address reuse for quick restarts, but no shared port: a second simulator on the same
+    // address must fail rather than take half of the connections.
+    m_pServer->set_socket_options([](socket_t sock) {
+        int yes = 1;
+        setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
     m_pServer->set_logger([this](const httplib::Request& req, const httplib::Response& res) {
         LogRequest(req, res);
     });
