@@ -192,18 +192,6 @@ TEST_F(RestSessionTest, LoginIsAFormAndTreeRequestCarriesTwoHeaders) {
     EXPECT_TRUE(HasHeader(tree, "Authorization: Bearer " + IssuedToken(login)));
     EXPECT_EQ(CountHeaders(tree, "Authorization:"), 1);
     EXPECT_EQ(CountHeaders(tree, "Content-Type:"), 1);
-
-    // What went over the wire, checked by a second JWT implementation, expiry included.
-    const CommandResult check = RunCommand(std::string(TLR_PYTHON3) + " " + TLR_SOURCE_DIR +
-                                           "/tests/rest/check_jwt.py " + ShellQuote(jwt));
-    ASSERT_EQ(check.nStatus, 0) << jwt;
-    rapidjson::Document doc;
-    doc.Parse(check.sOut.c_str());
-    ASSERT_TRUE(doc.IsObject()) << check.sOut;
-    EXPECT_EQ(Str(doc["header"], "typ"), "JWT");
-    EXPECT_EQ(doc["claims"].MemberCount(), 3u);
-    const int64_t lifetime = doc["claims"]["exp"].GetInt64() - doc["claims"]["iat"].GetInt64();
-    EXPECT_TRUE(lifetime == 300 || lifetime == 301) << lifetime;
 }
 
 TEST_F(RestSessionTest, JwtIsReusedWhileItHoldsAndRenewedAfter) {
@@ -241,19 +229,16 @@ TEST_F(RestSessionTest, RefusedLoginLeavesABareBearer) {
 }
 
 TEST_F(RestSessionTest, RedfishBodyGoesOutWithoutBackslashes) {
-    WriteFile(m_sDir + "/redfish.json", R"({"{\"Op\":\"list\"}":{"Members":[]}})");
-    const Session s =
-        Run({R"(redfish:5:{\"Id\":\"1\",\"Path\":\"C:\\dir\"})", R"(redfish:0:{\"Op\":\"list\"})"},
-            "", "--redfish " + m_sDir + "/redfish.json");
-    ASSERT_EQ(s.steps.size(), 2u) << s.sOut;
-    ASSERT_EQ(s.requests.size(), 4u);
+    const Session s = Run({R"(redfish:5:{\"Id\":\"1\",\"Path\":\"C:\\dir\"})"});
+    ASSERT_EQ(s.steps.size(), 1u) << s.sOut;
+    ASSERT_EQ(s.requests.size(), 2u);
     EXPECT_EQ(Str(s.requests[1], "body"), R"({"Id":"1","Path":"C:dir"})");
     EXPECT_TRUE(HasHeader(s.requests[1], "Content-Type: application/json"));
     EXPECT_TRUE(s.steps[0]["ok"].GetBool());
+    // The simulator echoes the body; the reply is handed over as it came.
     EXPECT_EQ(Str(s.steps[0], "out"), R"({"Id":"1","Path":"C:dir"})");
-    EXPECT_EQ(Str(s.requests[3], "body"), R"({"Op":"list"})");
-    EXPECT_EQ(Str(s.steps[1], "out"), R"({"Members":[]})");
-    EXPECT_TRUE(Traced(s.steps[1], "CrudMethod::POST response      [{\"Members\":[]}]"));
+    EXPECT_TRUE(
+        Traced(s.steps[0], R"(CrudMethod::POST response      [{"Id":"1","Path":"C:dir"}])"));
 }
 
 TEST_F(RestSessionTest, TreeRepliesOfEveryShape) {

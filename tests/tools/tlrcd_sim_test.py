@@ -252,11 +252,11 @@ class RobustnessTest(SimulatorTest):
             self.assertEqual(sim.request("GET", "/nothing")[0], 404)
             self.assertEqual(sim.request("GET", "/api/v1/authJwt")[0], 404)
             for garbage in (b"GET / HTTP/1.1\r\n\r\n", b"\x16\x03\x01\x00\x05hello", b""):
+                # The simulator may drop the connection at any point of this.
                 with socket.create_connection((HOST, PORT), timeout=5) as raw:
-                    raw.sendall(garbage)
-                    raw.shutdown(socket.SHUT_WR)
-                    raw.settimeout(5)
                     try:
+                        raw.sendall(garbage)
+                        raw.shutdown(socket.SHUT_WR)
                         raw.recv(100)
                     except OSError:
                         pass
@@ -313,21 +313,6 @@ class OptionsTest(SimulatorTest):
         with open(self.path("cert.pem")) as given:
             self.assertEqual(ssl.PEM_cert_to_DER_cert(served),
                              ssl.PEM_cert_to_DER_cert(given.read()))
-
-    def test_own_certificate_names_localhost(self):
-        with Simulator() as sim:
-            context = ssl.create_default_context()
-            context.check_hostname = False
-            context.verify_mode = ssl.CERT_NONE
-            with socket.create_connection((HOST, sim.port)) as raw:
-                with context.wrap_socket(raw, server_hostname="localhost") as tls:
-                    der = tls.getpeercert(binary_form=True)
-        with open(self.path("own.der"), "wb") as out:
-            out.write(der)
-        text = subprocess.run(["openssl", "x509", "-inform", "DER", "-in", self.path("own.der"),
-                               "-noout", "-text"], capture_output=True, text=True).stdout
-        self.assertIn("CN = localhost", text)
-        self.assertIn("IP Address:127.0.0.1", text)
 
 
 if __name__ == "__main__":
