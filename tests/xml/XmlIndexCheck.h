@@ -56,3 +56,30 @@ inline uint32_t CheckIndex(const CXmlDoc& doc) {
     EXPECT_EQ(doc.GetRecord(0).nLength, sDoc.size());
     return nReached;
 }
+
+// Checks that the index of an edited document is what parsing its text gives: the same tree of
+// elements with the same offsets and tag lengths.
+inline void CheckSameAsParsed(const CXmlDoc& doc) {
+    CheckIndex(doc);
+    CXmlDoc parsed;
+    parsed.SetDoc(doc.GetDoc());
+    std::vector<std::pair<uint32_t, uint32_t>> aStack{{0, 0}};
+    while (!aStack.empty()) {
+        auto [iEdited, iParsed] = aStack.back();
+        aStack.pop_back();
+        uint32_t i = doc.GetRecord(iEdited).iElemChild;
+        uint32_t j = parsed.GetRecord(iParsed).iElemChild;
+        for (; i && j; i = doc.GetRecord(i).iElemNext, j = parsed.GetRecord(j).iElemNext) {
+            const ElemPos& e = doc.GetRecord(i);
+            const ElemPos& p = parsed.GetRecord(j);
+            EXPECT_EQ(e.nStart, p.nStart) << doc.GetElemTagName(i);
+            EXPECT_EQ(e.nLength, p.nLength) << doc.GetElemTagName(i);
+            EXPECT_EQ(e.StartTagLen(), p.StartTagLen()) << doc.GetElemTagName(i);
+            EXPECT_EQ(e.EndTagLen(), p.EndTagLen()) << doc.GetElemTagName(i);
+            EXPECT_EQ(e.Level(), p.Level()) << doc.GetElemTagName(i);
+            aStack.push_back({i, j});
+        }
+        EXPECT_EQ(i, 0u) << "edited index has more elements than the parse";
+        EXPECT_EQ(j, 0u) << "parse has more elements than the edited index";
+    }
+}
