@@ -20,10 +20,11 @@ function(tlr_library sub)
   target_link_libraries(tlr_${sub} PUBLIC ${ARG_DEPS})
 endfunction()
 
-# tlr_test(<name> SOURCES ... [LIBS ...])
-# One GoogleTest binary; its cases are registered with ctest one by one.
+# tlr_test(<name> SOURCES ... [LIBS ...] [PREFIX <prefix>])
+# One GoogleTest binary; its cases are registered with ctest one by one, their names
+# preceded by PREFIX if given (so that "ctest -R <prefix>" selects them).
 function(tlr_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "" "PREFIX" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
@@ -32,5 +33,6 @@ function(tlr_test name)
   target_compile_definitions(${name} PRIVATE TLR_BUILD_DIR="${CMAKE_BINARY_DIR}"
                                              TLR_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gtest GTest::gtest_main Threads::Threads)
-  gtest_discover_tests(${name} WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} DISCOVERY_TIMEOUT 60)
+  gtest_discover_tests(${name} WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} DISCOVERY_TIMEOUT 60
+                       TEST_PREFIX "${ARG_PREFIX}")
 endfunction()

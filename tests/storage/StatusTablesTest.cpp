@@ -1,0 +1,265 @@
+// The getters against their tables: case rules, "contains" rules and defaults.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "storage/StatusTables.h"
+#include "storage/TLRaidData.h"
+
+namespace {
+
+// A sub-document of one root with one child holding the word.
+void SetLeaf(CTLRaidData& doc, const std::string& root, const std::string& child,
+             const std::string& word) {
+    ASSERT_TRUE(doc.SetDoc("<" + root + " NrOfProperties=\"1\"><" + child + ">" + word + "</" +
+                           child + "></" + root + ">"));
+}
+
+struct DriveStatusRow {
+    const char* word;
+    int32_t index;
+    int32_t code;
+    int32_t component;
+    int32_t smartFlag;
+};
+
+// The physical drive status table, with the component value of each index and the SMART flag.
+const DriveStatusRow kDriveStatusRows[] = {
+    {"unconfigured", 2, 2, 1, 0},
+    {"unconfigured failed", 3, 3, 3, 0},
+    {"Available", 2, 2, 1, 0},
+    {"Available SMART Error", 19, 4098, 0, 1},
+    {"Copyback", 1, 1, 1, 0},
+    {"Copyback / SMART Error", 18, 4097, 2, 1},
+    {"Dedicated Hotspare", 4, 4, 1, 0},
+    {"Dedicated Hotspare SMART Error", 20, 4100, 2, 1},
+    {"Failed", 11, 11, 3, -1},
+    {"Failed SMART Error", 26, 4107, 0, 1},
+    {"Failed (Missing)", 12, 12, 3, -1},
+    {"Global Hotspare", 5, 5, 1, 0},
+    {"Global Hotspare SMART Error", 21, 4101, 2, 1},
+    {"Auto replace hotspare", 15, 15, 1, 0},
+    {"Auto replace hotspare smart", 29, 4111, 2, 0},
+    {"Migrating", 9, 9, 1, 0},
+    {"Migrating / SMART Error", 24, 4105, 2, 1},
+    {"Offline", 13, 13, 3, 0},
+    {"Offline - SMART Error", 27, 4109, 0, 1},
+    {"Operational", 0, 0, 1, 0},
+    {"Operational SMART Error", 17, 4096, 2, 1},
+    {"Rebuilding", 6, 6, 2, 0},
+    {"Rebuilding SMART Error", 22, 4102, 2, 1},
+    {"Rebuild necessary", 8, 8, 3, 0},
+    {"Rebuild necessary SMART Error", 23, 4103, 2, 1},
+    {"JBOD", 10, 10, 1, 0},
+    {"JBOD / SMART Error", 25, 4106, 2, 1},
+    {"Shield", 14, 14, 3, 0},
+    {"Shield smart", 28, 4110, 2, 0},
+    {"Unknown", -1, -1, 0, -1},
+    // Case doesn't count for the words, but "SMART" is looked for in capitals.
+    {"operational smart error", 17, 4096, 2, 0},
+    {"FAILED", 11, 11, 3, -1},
+    {"unknown", -1, -1, 0, -1},
+    {"Reserved SMART", 16, -1, 2, 1},
+    {"Reserved smart", -1, -1, 0, 0},
+    {"Operational ", -1, -1, 0, 0},
+    {"", -1, -1, 0, 0},
+};
+
+TEST(PhysicalDriveStatusTable, EveryWordGivesIndexCodeComponentAndSmartFlag) {
+    for (const DriveStatusRow& row : kDriveStatusRows) {
+        SCOPED_TRACE(std::string("word \"") + row.word + "\"");
+        CTLRaidData drive;
+        SetLeaf(drive, "PhysicalDrive", "Status", row.word);
+        int32_t index = drive.GetPhysicalDriveStatusIndex();
+        EXPECT_EQ(index, row.index);
+        EXPECT_EQ(drive.GetPhysicalDriveStatus(), row.code);
+        EXPECT_EQ(drive.GetPhysicalDriveSmartFlag(), row.smartFlag);
+        EXPECT_EQ(PhysicalDriveComponentValue(static_cast<uint32_t>(index)), row.component);
+
+        uint32_t toIndex = 12345;
+        CTLRaidData::PhysicalDriveStatusToIndex(row.word, toIndex);
+        EXPECT_EQ(toIndex, static_cast<uint32_t>(row.index));
+    }
+}
+
+TEST(PhysicalDriveStatusTable, ComponentValuesByIndexIncludingTheUnusedSeven) {
+    const int32_t expected[30] = {1, 1, 1, 3, 1, 1, 2, 2, 3, 1, 1, 3, 3, 3, 3,
+                                  1, 2, 2, 2, 0, 2, 2, 2, 2, 2, 2, 0, 0, 2, 2};
+    for (uint32_t i = 0; i < 30; ++i) {
+        EXPECT_EQ(PhysicalDriveComponentValue(i), expected[i]) << "index " << i;
+    }
+    EXPECT_EQ(PhysicalDriveComponentValue(30), 0);
+    EXPECT_EQ(PhysicalDriveComponentValue(0xFFFFFFFFu), 0);
+}
+
+TEST(PhysicalDriveStatusTable, NullWordReadsAsEmpty) {
+    uint32_t index = 0;
+    CTLRaidData::PhysicalDriveStatusToIndex(nullptr, index);
+    EXPECT_EQ(index, 0xFFFFFFFFu);
+}
+
+struct WordRow {
+    const char* word;
+    int32_t expected;
+};
+
+TEST(PhysicalDriveTypeTable, EqualsForScsiAndSataContainsWithCaseForTheRest) {
+    const WordRow rows[] = {
+        {"SCSI", 0},  {"scsi", 0},        {"SATA", 1},         {"sata", 1},
+        {"SAS", 2},   {"SAS-3", 2},       {"SAS SSD", 2},      {"12G SAS", 2},
+        {"sas", -1},  {"SATA SSD", -1},   {"NVMe", 3},         {"U.2 NVMe", 3},
+        {"nvme", -1}, {"PCI Express", 4}, {"pci express", -1}, {"NVMe PCI Express", 3},
+        {"IDE", -1},  {"", -1},
+    };
+    for (const WordRow& row : rows) {
+        CTLRaidData drive;
+        SetLeaf(drive, "PhysicalDrive", "Type", row.word);
+        EXPECT_EQ(drive.GetPhysicalDriveType(), row.expected) << "type \"" << row.word << "\"";
+    }
+}
+
+TEST(LogicalDriveStatusTable, WordsWithoutRegardToCase) {
+    const WordRow rows[] = {
+        {"Operational", 0},        {"operational", 0},        {"Degraded", 1},
+        {"Partially degraded", 2}, {"PARTIALLY DEGRADED", 2}, {"Failed", 3},
+        {"Impacted", 4},           {"Initializing", -1},      {"", -1},
+    };
+    for (const WordRow& row : rows) {
+        CTLRaidData logical;
+        SetLeaf(logical, "LogicalDrive", "Status", row.word);
+        EXPECT_EQ(logical.GetLogicalDriveStatus(), row.expected) << "\"" << row.word << "\"";
+    }
+}
+
+TEST(BatteryStatusTable, UnknownWordReadsAsNormal) {
+    const WordRow rows[] = {
+        {"Normal", 0},          {"Temperature Problem", 7},
+        {"Voltage Problem", 2}, {"Charging", 3},
+        {"charging", 3},        {"Discharging", 4},
+        {"Warning", 5},         {"Failed", 6},
+        {"Overheated", 0},      {"", 0},
+    };
+    for (const WordRow& row : rows) {
+        CTLRaidData battery;
+        SetLeaf(battery, "Battery", "Status", row.word);
+        EXPECT_EQ(battery.GetBatteryStatus(), row.expected) << "\"" << row.word << "\"";
+    }
+}
+
+// The six getters of the three-way table, each with its root and child.
+struct ThreeWayGetter {
+    const char* root;
+    const char* child;
+    int32_t (CTLRaidData::*get)();
+};
+
+const ThreeWayGetter kThreeWayGetters[] = {
+    {"Enclosure", "Status", &CTLRaidData::GetEnclosureStatus},
+    {"Adapter", "Status", &CTLRaidData::GetAdapterStatus},
+    {"Multiplexer", "StatusOverall", &CTLRaidData::GetOverallStatus},
+    {"Multiplexer", "StatusAdapters", &CTLRaidData::GetAdaptersStatus},
+    {"Multiplexer", "StatusDisks", &CTLRaidData::GetDisksStatus},
+    {"Multiplexer", "StatusLogicalDrives", &CTLRaidData::GetLogicalDrivesStatus},
+};
+
+TEST(ThreeWayStatusTable, EveryGetterReadsItsOwnChild) {
+    const WordRow rows[] = {{"OK", 0},     {"ok", 0},        {"Warning", 1}, {"WARNING", 1},
+                            {"Failed", 2}, {"Critical", -1}, {"", -1}};
+    for (const ThreeWayGetter& getter : kThreeWayGetters) {
+        for (const WordRow& row : rows) {
+            CTLRaidData doc;
+            SetLeaf(doc, getter.root, getter.child, row.word);
+            EXPECT_EQ((doc.*getter.get)(), row.expected)
+                << getter.root << "/" << getter.child << " \"" << row.word << "\"";
+        }
+        // Another child of the same root is not read.
+        CTLRaidData other;
+        SetLeaf(other, getter.root, "Name", "OK");
+        EXPECT_EQ((other.*getter.get)(), -1) << getter.root << "/" << getter.child;
+    }
+}
+
+TEST(AdapterTypeTable, ReadFromTheAttribute) {
+    const WordRow rows[] = {
+        {"SCSI", 0},  {"ATAPI", 1}, {"ATA", 2},  {"1394", 3},  {"SSA", 4},
+        {"FIBRE", 5}, {"Fibre", 5}, {"USB", 6},  {"SATA", 7},  {"SAS", 8},
+        {"sas", 8},   {"PCIe", 9},  {"PCIE", 9}, {"NVMe", -1}, {"", -1},
+    };
+    for (const WordRow& row : rows) {
+        CTLRaidData adapter;
+        ASSERT_TRUE(adapter.SetDoc(std::string("<Adapter Type=\"") + row.word +
+                                   "\"><Type>SAS</Type></Adapter>"));
+        EXPECT_EQ(adapter.GetAdapterType(), row.expected) << "\"" << row.word << "\"";
+    }
+    CTLRaidData noAttribute;
+    ASSERT_TRUE(noAttribute.SetDoc(std::string("<Adapter Nr=\"0\"><Type>SAS</Type></Adapter>")));
+    EXPECT_EQ(noAttribute.GetAdapterType(), -1);
+}
+
+TEST(LearnCycleTable, PriorityOverAllAdditionalStatusChildren) {
+    struct Row {
+        std::vector<std::string> words;
+        int32_t expected;
+    };
+    const Row rows[] = {
+        {{}, 0},
+        {{"Learn Cycle Requested"}, 1},
+        {{"Learn Cycle Active"}, 2},
+        {{"Learn Cycle Timeout"}, 3},
+        {{"Learn Cycle Failed"}, 4},
+        {{"Learn Cycle Active", "Learn Cycle Failed"}, 4},
+        {{"learn cycle timeout", "Learn Cycle Active"}, 3},
+        {{"Charge Active", "Learn Cycle Requested", "Learn Cycle Active"}, 2},
+        {{"Fully charged"}, -1},
+        {{"Learn Cycle"}, -1},
+    };
+    for (const Row& row : rows) {
+        std::string text = "<Battery ComponentStatus=\"1\"><Status>Normal</Status>";
+        for (const std::string& word : row.words) {
+            text += "<AdditionalStatus>" + word + "</AdditionalStatus>";
+        }
+        text += "<Name>CBU</Name></Battery>";
+        CTLRaidData battery;
+        ASSERT_TRUE(battery.SetDoc(text));
+        EXPECT_EQ(battery.GetBatteryLearnCycleStatus(), row.expected) << text;
+    }
+}
+
+TEST(GetterDefaults, MissingRootOrChildGivesMinusOneButLearnCycleGivesZero) {
+    int32_t (CTLRaidData::*const getters[])() = {
+        &CTLRaidData::GetPhysicalDriveStatusIndex,
+        &CTLRaidData::GetPhysicalDriveStatus,
+        &CTLRaidData::GetPhysicalDriveSmartFlag,
+        &CTLRaidData::GetPhysicalDriveType,
+        &CTLRaidData::GetLogicalDriveStatus,
+        &CTLRaidData::GetBatteryStatus,
+        &CTLRaidData::GetEnclosureStatus,
+        &CTLRaidData::GetAdapterStatus,
+        &CTLRaidData::GetAdapterType,
+        &CTLRaidData::GetOverallStatus,
+        &CTLRaidData::GetAdaptersStatus,
+        &CTLRaidData::GetDisksStatus,
+        &CTLRaidData::GetLogicalDrivesStatus,
+    };
+    // Each root present but without the child read; an unrelated root; an empty document.
+    const char* docs[] = {
+        "<PhysicalDrive><Name>x</Name></PhysicalDrive>",
+        "<LogicalDrive><Name>x</Name></LogicalDrive>",
+        "<Battery><Name>x</Name></Battery>",
+        "<Enclosure><Name>x</Name></Enclosure>",
+        "<Multiplexer><Status>Operational</Status></Multiplexer>",
+        "<Other><Status>OK</Status><Type>SAS</Type></Other>",
+        "",
+    };
+    for (const char* text : docs) {
+        CTLRaidData doc;
+        doc.SetDoc(std::string(text));
+        for (auto getter : getters) {
+            EXPECT_EQ((doc.*getter)(), -1) << text;
+        }
+        EXPECT_EQ(doc.GetBatteryLearnCycleStatus(), 0) << text;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,269 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "xml/XmlDoc.h"
+#include "xml/XmlIndexCheck.h"
+
+namespace {
+
+TEST(XmlEdit, ChildrenOpenASelfEndedParent) {
+    CXmlDoc doc;
+    ASSERT_TRUE(doc.SetDoc(std::string("<P/>")));
+    ASSERT_TRUE(doc.FindElem("P"));
+    ASSERT_TRUE(doc.AddChildElem("C"));
+    ASSERT_TRUE(doc.AddChildElem("D"));
+    EXPECT_EQ(doc.GetDoc(), "<P>\n<C/>\n<D/>\n</P>");
+    CheckSameAsParsed(doc);
+    EXPECT_EQ(doc.GetTagName(), "P");
+    EXPECT_EQ(doc.GetElemTagName(doc.GetChildPos()), "D");
+}
+
+TEST(XmlEdit, ElementsBuiltFromNothing) {
+    CXmlDoc doc;
+    ASSERT_TRUE(doc.AddElem("P"));
+    ASSERT_TRUE(doc.AddChildElem("C"));
+    ASSERT_TRUE(doc.AddChildElem("D"));
+    EXPECT_EQ(doc.GetDoc(), "<P>\n<C/>\n<D/>\n</P>\n");
+    EXPECT_TRUE(doc.IsWellFormed());
+    CheckSameAsParsed(doc);
+}
+
+TEST(XmlEdit, ExportTreeLayout) {
+    // The way a tree for export is built: a declaration, a root, and children entered in turn.
+    CXmlDoc doc;
+    doc.SetDoc("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
+    ASSERT_TRUE(doc.AddElem("Tree"));
+    ASSERT_TRUE(doc.SetAttrib(doc.GetMainPos(), "Version", 2));
+    ASSERT_TRUE(doc.IntoElem());
+    ASSERT_TRUE(doc.AddElem("A"));
+    ASSERT_TRUE(doc.SetData(doc.GetMainPos(), "x<y"));
+    ASSERT_TRUE(doc.AddElem("B"));
+    ASSERT_TRUE(doc.IntoElem());
+    ASSERT_TRUE(doc.AddElem("C", "1"));
+    ASSERT_TRUE(doc.OutOfElem());
+    ASSERT_TRUE(doc.OutOfElem());
+    EXPECT_EQ(doc.GetDoc(),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<Tree Version=\"2\">\n<A>x&lt;y</A>\n<B>\n<C>1</C>\n</B>\n</Tree>\n");
+    EXPECT_TRUE(doc.IsWellFormed());
+    CheckSameAsParsed(doc);
+}
+
+TEST(XmlEdit, WhereNewElementsGo) {
+    const struct {
+        const char* pszDoc;
+        const char* pszMain;   // path of main; child is added under it
+        const char* pszChild;  // path of the child to add behind, or null
+        uint32_t nFlags;
+        const char* pszAfter;
+    } aCases[] = {
+        {"<P></P>", "P", nullptr, 0, "<P>\n<N/>\n</P>"},
+        {"<P>text</P>", "P", nullptr, 0, "<P>text<N/>\n</P>"},
+        {"<P>\n<C/>\n</P>", "P", nullptr, 0, "<P>\n<C/>\n<N/>\n</P>"},
+        {"<P>\n<C/>\n<D/>\n</P>", "P", "C", 0, "<P>\n<C/>\n<N/>\n<D/>\n</P>"},
+        {"<P><C/> x <D/></P>", "P", "C", 0, "<P><C/><N/>\n x <D/></P>"},
+        {"<P/>", "P", nullptr, XmlNoLines, "<P><N/></P>"},
+        {"<P />", "P", nullptr, 0, "<P >\n<N/>\n</P>"},
+        {"<P><C/></P>", "P", nullptr, XmlNoLines, "<P><C/><N/></P>"},
+        {"<P></P>", "P", nullptr, XmlNoLines, "<P><N/></P>"},
+        {"<P></P>", "P", nullptr, XmlSpaceBeforeEnd, "<P>\n<N />\n</P>"},
+        {"<P></P>", "P", nullptr, XmlNoEndTag, "<P>\n<N>\n</P>"},
+        {"<P>\n<C/>\n<D/>\n</P>", "P", "D", XmlInsertBefore, "<P>\n<C/>\n<N/>\n<D/>\n</P>"},
+        {"<P>\n<C/>\n</P>", "P", nullptr, XmlInsertBefore, "<P>\n<N/>\n<C/>\n</P>"},
+    };
+    for (const auto& c : aCases) {
+        CXmlDoc doc;
+        doc.SetDoc(std::string(c.pszDoc));
+        ASSERT_TRUE(doc.FindElem(c.pszMain)) << c.pszDoc;
+        if (c.pszChild) {
+            ASSERT_TRUE(doc.FindChildElem(c.pszChild)) << c.pszDoc;
+        }
+        ASSERT_TRUE(doc.AddChildElem("N", nullptr, c.nFlags)) << c.pszDoc;
+        EXPECT_EQ(doc.GetDoc(), c.pszAfter) << c.pszDoc;
+        EXPECT_EQ(doc.GetElemTagName(doc.GetChildPos()), "N");
+        CheckSameAsParsed(doc);
+    }
+}
+
+TEST(XmlEdit, SiblingsAtDocumentLevel) {
+    CXmlDoc doc;
+    doc.SetDoc("<a/>\n<!-- end -->");
+    ASSERT_TRUE(doc.FindElem("a"));
+    ASSERT_TRUE(doc.AddElem("b", "v"));
+    EXPECT_EQ(doc.GetDoc(), "<a/>\n<b>v</b>\n<!-- end -->");
+    EXPECT_FALSE(doc.IsWellFormed());  // a root with a sibling
+    EXPECT_EQ(doc.GetTagName(), "b");
+    doc.ResetPos();
+    ASSERT_TRUE(doc.AddElem("c"));  // no main: behind the last one
+    EXPECT_EQ(doc.GetDoc(), "<a/>\n<b>v</b>\n<!-- end --><c/>\n");
+    CheckSameAsParsed(doc);
+}
+
+TEST(XmlEdit, AddElemValuesAndRefusals) {
+    CXmlDoc doc;
+    EXPECT_FALSE(doc.AddChildElem("x"));  // no main
+    EXPECT_FALSE(doc.AddElem(nullptr));
+    EXPECT_FALSE(doc.AddElem(""));
+    EXPECT_FALSE(doc.AddElem("x", "v", XmlNoEndTag));
+    EXPECT_EQ(doc.GetDoc(), "");
+    ASSERT_TRUE(doc.AddElem("r"));
+    ASSERT_TRUE(doc.AddChildElem("e", "a<b>&\"'"));
+    ASSERT_TRUE(doc.AddChildElem("k", "&amp; & &#65;", XmlKeepRefs));
+    ASSERT_TRUE(doc.AddChildElem("c", "x]]>y", XmlCData));
+    ASSERT_TRUE(doc.AddChildElem("n", "", XmlNoEndTag));
+    EXPECT_EQ(doc.GetDoc(),
+              "<r>\n<e>a&lt;b&gt;&amp;\"'</e>\n<k>&amp; &amp; &#65;</k>\n"
+              "<c><![CDATA[x]]]]><![CDATA[>y]]></c>\n<n>\n</r>\n");
+    EXPECT_TRUE(doc.GetRecord(doc.GetChildPos()).Has(kElemUnended));
+    doc.ResetPos();
+    ASSERT_TRUE(doc.FindElem("r"));
+    const char* aData[][2] = {{"e", "a<b>&\"'"}, {"k", "& & A"}, {"c", "x]]>y"}, {"n", ""}};
+    for (const auto& d : aData) {
+        ASSERT_TRUE(doc.FindChildElem(d[0]));
+        EXPECT_EQ(doc.GetChildData(), d[1]) << d[0];
+    }
+}
+
+TEST(XmlEdit, InconsistentPositionsAddNothing) {
+    CXmlDoc doc;
+    doc.SetDoc("<r><a/><b><c/></b></r>");
+    doc.SetPos(2, 4, 0);  // main c is no child of a
+    EXPECT_FALSE(doc.AddElem("x"));
+    doc.SetPos(0, 9, 0);
+    EXPECT_FALSE(doc.AddElem("x"));
+    EXPECT_EQ(doc.GetDoc(), "<r><a/><b><c/></b></r>");
+}
+
+TEST(XmlEdit, SetAttribWritesDoubleQuotes) {
+    const struct {
+        const char* pszDoc;
+        const char* pszName;
+        const char* pszValue;
+        const char* pszAfter;
+    } aCases[] = {
+        {"<a b=c/>", "b", "v", "<a b=\"v\">"},  // the bare value was "c/"
+        {"<a b='c'/>", "b", "v", "<a b=\"v\"/>"},
+        {"<a b=\"c\" d='e'></a>", "d", "x\"y'", "<a b=\"c\" d=\"x&quot;y&apos;\"></a>"},
+        {"<a/>", "n", "1", "<a n=\"1\"/>"},
+        {"<a />", "n", "1", "<a n=\"1\" />"},
+        {"<a  x='1'  >t</a>", "n", "<&>", "<a  x='1' n=\"&lt;&amp;&gt;\"  >t</a>"},
+        {"<a checked>t</a>", "checked", "yes", "<a checked=\"yes\">t</a>"},
+        {"<a b=>t</a>", "b", "v", "<a b=\"v\">t</a>"},
+        {"<a b = 'c'/>", "b", "", "<a b = \"\"/>"},
+    };
+    for (const auto& c : aCases) {
+        CXmlDoc doc;
+        doc.SetDoc(std::string(c.pszDoc));
+        ASSERT_TRUE(doc.FindElem()) << c.pszDoc;
+        ASSERT_TRUE(doc.SetAttrib(doc.GetMainPos(), c.pszName, c.pszValue)) << c.pszDoc;
+        EXPECT_EQ(doc.GetDoc(), c.pszAfter) << c.pszDoc;
+        EXPECT_EQ(doc.GetAttrib(doc.GetMainPos(), c.pszName), c.pszValue) << c.pszDoc;
+        CheckSameAsParsed(doc);
+    }
+}
+
+TEST(XmlEdit, SetAttribMovesWhatFollows) {
+    CXmlDoc doc;
+    ASSERT_TRUE(doc.SetDoc(std::string("<r><a><b/></a><c/></r><!--x-->")));
+    ASSERT_TRUE(doc.FindElem("r"));
+    ASSERT_TRUE(doc.IntoElem());
+    ASSERT_TRUE(doc.FindElem("a"));
+    ASSERT_TRUE(doc.SetAttrib(doc.GetMainPos(), "n", -42));
+    EXPECT_EQ(doc.GetDoc(), "<r><a n=\"-42\"><b/></a><c/></r><!--x-->");
+    CheckSameAsParsed(doc);
+    ASSERT_TRUE(doc.FindElem("c"));
+    EXPECT_EQ(doc.GetSubDoc(doc.GetMainPos()), "<c/>");
+}
+
+TEST(XmlEdit, SetAttribRefusals) {
+    CXmlDoc doc;
+    doc.SetDoc("<r><a/></r>");
+    EXPECT_FALSE(doc.SetAttrib(0, "x", "1"));
+    ASSERT_TRUE(doc.FindElem());
+    EXPECT_FALSE(doc.SetAttrib(doc.GetMainPos(), nullptr, "1"));
+    EXPECT_FALSE(doc.SetAttrib(77, "x", "1"));
+    ASSERT_TRUE(doc.IntoElem());  // main 0: node type 0
+    EXPECT_FALSE(doc.SetAttrib(1, "x", "1"));
+    EXPECT_EQ(doc.GetDoc(), "<r><a/></r>");
+}
+
+TEST(XmlEdit, SetDataOpensSelfEndedElements) {
+    CXmlDoc doc;
+    ASSERT_TRUE(doc.SetDoc(std::string("<r><a/><b/></r>")));
+    ASSERT_TRUE(doc.FindElem("r"));
+    ASSERT_TRUE(doc.FindChildElem("a"));
+    uint32_t iA = doc.GetChildPos();
+    ASSERT_TRUE(doc.SetData(iA, "x&y"));
+    EXPECT_EQ(doc.GetDoc(), "<r><a>x&amp;y</a><b/></r>");
+    EXPECT_EQ(doc.GetChildPos(), iA);
+    EXPECT_EQ(doc.GetData(iA), "x&y");
+    ASSERT_TRUE(doc.SetData(iA, ""));
+    EXPECT_EQ(doc.GetDoc(), "<r><a></a><b/></r>");
+    ASSERT_TRUE(doc.SetData(iA, "a]]>b", XmlCData));
+    EXPECT_EQ(doc.GetData(iA), "a]]>b");
+    EXPECT_FALSE(doc.SetData(doc.GetMainPos(), "x"));  // r has children
+    EXPECT_FALSE(doc.SetData(0, "x"));
+    CheckSameAsParsed(doc);
+}
+
+TEST(XmlEdit, SetDataClearsTheIllFormedMark) {
+    CXmlDoc doc;
+    doc.SetDoc("<r><a>x</y>z</a></r>");
+    ASSERT_TRUE(doc.FindElem("/r/a"));
+    ASSERT_TRUE(doc.GetRecord(doc.GetMainPos()).Has(kElemIllFormed));
+    ASSERT_TRUE(doc.SetData(doc.GetMainPos(), "ok"));
+    EXPECT_FALSE(doc.GetRecord(doc.GetMainPos()).Has(kElemIllFormed));
+    EXPECT_EQ(doc.GetDoc(), "<r><a>ok</a></r>");
+    CheckSameAsParsed(doc);
+}
+
+TEST(XmlEdit, SetDataOnAnUnendedElement) {
+    CXmlDoc doc;
+    doc.SetDoc("<r><a></r>");
+    ASSERT_TRUE(doc.FindElem("/r/a"));
+    ASSERT_TRUE(doc.SetData(doc.GetMainPos(), "t"));
+    EXPECT_EQ(doc.GetDoc(), "<r><a>t</r>");
+    EXPECT_EQ(doc.GetData(doc.GetMainPos()), "t");
+}
+
+TEST(XmlEdit, ReportFormat) {
+    std::string sResult;
+    CXmlDoc::Report(sResult, "lone_end_tag", "b", 7, -1);
+    CXmlDoc::Report(sResult, "root_has_sibling", nullptr, -1, -1);
+    CXmlDoc::Report(sResult, "unended_start_tag", "a\"<&", 0, 12);
+    EXPECT_EQ(sResult,
+              "<lone_end_tag tagname=\"b\" offset=\"7\"/><root_has_sibling/>"
+              "<unended_start_tag tagname=\"a&quot;&lt;&amp;\" offset=\"0\" offset2=\"12\"/>");
+}
+
+TEST(XmlEdit, ReportStopsGrowingPast999Bytes) {
+    std::string sResult;
+    while (sResult.size() <= 999) {
+        CXmlDoc::Report(sResult, "lone_end_tag", "name", 1, -1);
+    }
+    std::string sFull = sResult;
+    CXmlDoc::Report(sResult, "lone_end_tag", "name", 1, -1);
+    EXPECT_EQ(sResult, sFull);
+}
+
+TEST(XmlEdit, ManyAppendsKeepTheIndexRight) {
+    CXmlDoc doc;
+    ASSERT_TRUE(doc.AddElem("root"));
+    for (int i = 0; i < 2000; ++i) {
+        ASSERT_TRUE(doc.AddChildElem("e", std::to_string(i).c_str()));
+        ASSERT_TRUE(doc.SetAttrib(doc.GetChildPos(), "i", i));
+        if (i % 3 == 0) {
+            ASSERT_TRUE(doc.IntoElem());
+            ASSERT_TRUE(doc.AddChildElem("sub"));
+            ASSERT_TRUE(doc.OutOfElem());
+        }
+    }
+    EXPECT_TRUE(doc.IsWellFormed());
+    CheckSameAsParsed(doc);
+    doc.ResetPos();
+    ASSERT_TRUE(doc.FindChildElem("e[1234]"));
+    EXPECT_EQ(doc.GetAttrib(doc.GetChildPos(), "i"), "1233");
+}
+
+}  // namespace

@@ -1,0 +1,162 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <map>
+#include <set>
+#include <string>
+
+#include "xml/EntityTable.h"
+#include "xml/XmlDoc.h"
+
+namespace {
+
+std::string Unescape(const std::string& s) {
+    return CXmlDoc::UnescapeText(s.data(), int(s.size()), 0);
+}
+
+TEST(XmlEntities, Unescape) {
+    const struct {
+        const char* pszIn;
+        const char* pszOut;
+    } aCases[] = {
+        {"a&b", "a&b"},
+        {"&amp;", "&"},
+        {"&#65;", "A"},
+        {"&#x41;", "A"},
+        {"&#X41;", "A"},
+        {"&nosuch;", "&nosuch;"},
+        {"&verylongname;", "&verylongname;"},
+        {"&#0;", "&#0;"},
+        {"&AMP;", "&"},
+        {"&euro;", "\xE2\x82\xAC"},
+        {"&lt;&gt;&quot;&apos;", "<>\"'"},
+        {"&Oslash;&oslash;", "\xC3\x98\xC3\x98"},  // both spellings find 216
+        {"&eacute;", "\xC3\x89"},                  // 201
+        {"&alpha;", "\xCE\x91"},                   // 913
+        {"&yuml;&Yuml;", "\xC3\xBF\xC3\xBF"},      // the lower code point is listed first
+        {"&thetasym;", "\xCF\x91"},
+        {"&diams;", "\xE2\x99\xA6"},
+        {"&#128512;", "\xF0\x9F\x98\x80"},
+        {"&#x10FFFF;", "\xF4\x8F\xBF\xBF"},
+        {"&#x110000;", "&#x110000;"},
+        {"&#-5;", "&#-5;"},
+        {"&#;", "&#;"},
+        {"&;", "&;"},
+        {"&#65", "&#65"},
+        {"&", "&"},
+        {"&&amp;", "&&"},
+        {"&#00000065;", "A"},              // nine bytes behind '&' and the ';' as the tenth
+        {"&#000000065;", "&#000000065;"},  // the ';' is the eleventh
+        {"&\xC3\xA9;", "&\xC3\xA9;"},
+        {"x&amp", "x&amp"},
+        {"&#x41x;", "A"},  // the number is read as far as it goes
+    };
+    for (const auto& c : aCases) {
+        EXPECT_EQ(Unescape(c.pszIn), c.pszOut) << c.pszIn;
+    }
+    EXPECT_EQ(CXmlDoc::UnescapeText("&lt;x", -1, 0), "<x");
+    EXPECT_EQ(CXmlDoc::UnescapeText("&lt;x", 3, 0), "&lt");
+    EXPECT_EQ(CXmlDoc::UnescapeText(nullptr, -1, 0), "");
+}
+
+TEST(XmlEntities, Escape) {
+    const struct {
+        const char* pszIn;
+        uint32_t nFlags;
+        const char* pszOut;
+    } aCases[] = {
+        {"a<b>&c", 0, "a&lt;b&gt;&amp;c"},
+        {"\"q'", 0, "\"q'"},
+        {"\"q'", XmlAttribText, "&quot;q&apos;"},
+        {"&amp; &#65; &x-1.b; &", XmlKeepRefs, "&amp; &#65; &x-1.b; &amp;"},
+        {"&amp;", 0, "&amp;amp;"},
+        {"&1; &; &a b;", XmlKeepRefs, "&amp;1; &amp;; &amp;a b;"},
+        {"&\xC3\xA9;", XmlKeepRefs, "&\xC3\xA9;"},
+        {"", 0, ""},
+    };
+    for (const auto& c : aCases) {
+        EXPECT_EQ(CXmlDoc::EscapeText(c.pszIn, c.nFlags), c.pszOut) << c.pszIn;
+    }
+}
+
+TEST(XmlEntities, EscapeThenUnescapeGivesTheText) {
+    std::string s;
+    for (int c = 1; c < 256; ++c) {
+        s += char(c);
+    }
+    EXPECT_EQ(Unescape(CXmlDoc::EscapeText(s, 0)), s);
+    EXPECT_EQ(Unescape(CXmlDoc::EscapeText(s, XmlAttribText)), s);
+}
+
+TEST(XmlEntities, EncodeUtf8) {
+    const struct {
+        int32_t nCode;
+        const char* pszBytes;
+    } aCases[] = {
+        {0x41, "A"},
+        {0x80, "\xC2\x80"},
+        {0x7FF, "\xDF\xBF"},
+        {0x800, "\xE0\xA0\x80"},
+        {0xFFFF, "\xEF\xBF\xBF"},
+        {0x10000, "\xF0\x90\x80\x80"},
+        {0x10FFFF, "\xF4\x8F\xBF\xBF"},
+    };
+    for (const auto& c : aCases) {
+        char aBuf[8] = {};
+        int nLength = 2;  // written behind what the buffer holds already
+        CXmlDoc::EncodeUtf8(c.nCode, aBuf, nLength);
+        EXPECT_EQ(size_t(nLength), 2 + std::strlen(c.pszBytes));
+        EXPECT_EQ(std::string(aBuf + 2, size_t(nLength - 2)), c.pszBytes);
+        int nCount = 5;
+        CXmlDoc::EncodeUtf8(c.nCode, nullptr, nCount);
+        EXPECT_EQ(nCount, nLength + 3);
+    }
+    int nLength = 0;
+    CXmlDoc::EncodeUtf8(-1, nullptr, nLength);
+    EXPECT_EQ(nLength, 0);
+}
+
+TEST(XmlEntities, WrapCData) {
+    EXPECT_EQ(CXmlDoc::WrapCData("a"), "<![CDATA[a]]>");
+    EXPECT_EQ(CXmlDoc::WrapCData("]]>"), "<![CDATA[]]]]><![CDATA[>]]>");
+    EXPECT_EQ(CXmlDoc::WrapCData("x]]>]]>y"), "<![CDATA[x]]]]><![CDATA[>]]]]><![CDATA[>y]]>");
+}
+
+// The table's layout: 130 buckets of records "L dddd name", bucketed by the byte sum.
+TEST(EntityTable, LayoutAndContent) {
+    EXPECT_STREQ(kEntityTable[0], "60216oslash60217ugrave60248oslash60249ugrave");
+    size_t nRecords = 0;
+    std::map<std::string, int> firstCode;
+    for (uint32_t b = 0; b < kEntityBuckets; ++b) {
+        for (const char* p = kEntityTable[b]; *p;) {
+            ASSERT_TRUE(p[0] >= '1' && p[0] <= '8') << "bucket " << b;
+            size_t nLen = size_t(p[0] - '0');
+            std::string sName(p + 5, nLen);
+            int nCode = std::stoi(std::string(p + 1, 4));
+            uint32_t nSum = 0;
+            for (char c : sName) {
+                EXPECT_TRUE(c == char(std::tolower(c))) << sName;
+                nSum += uint8_t(c);
+            }
+            EXPECT_EQ(nSum % kEntityBuckets, b) << sName;
+            if (!firstCode.count(sName)) {
+                firstCode[sName] = nCode;
+            } else {
+                EXPECT_LT(firstCode[sName], nCode) << sName;  // the lower code point first
+            }
+            ++nRecords;
+            p += 5 + nLen;
+        }
+    }
+    EXPECT_EQ(nRecords, 253u);
+    EXPECT_EQ(firstCode.size(), 189u);
+    EXPECT_EQ(firstCode["diams"], 9830);
+    EXPECT_EQ(firstCode["nbsp"], 160);
+    EXPECT_EQ(firstCode["apos"], 39);
+    EXPECT_EQ(LookupEntity("oslash", 6), 216);
+    EXPECT_EQ(LookupEntity("prime", 5), 8242);
+    EXPECT_EQ(LookupEntity("xyz", 3), 0);
+    EXPECT_EQ(LookupEntity("", 0), 0);
+}
+
+}  // namespace
