@@ -40,7 +40,7 @@ bool ReadFault(const nlohmann::json& spec, const std::string& endpoint, CEndpoin
 
 bool ReadEndpointFault(const std::string& controlFile, const std::string& endpoint,
                        CEndpointFault& fault, std::string& error) {
-    fault = CEndpointFault();
+    fault.Reset();
     if (controlFile.empty())
         return true;
     // A test may write the file only when it wants a fault.
