@@ -10,13 +10,13 @@ namespace {
 
 const char* const kEndpoints[] = {"authJwt", "sdt", "redfishOp"};
 
-bool ReadFault(const nlohmann::json& spec, const std::string& endpoint, CEndpointFault& fault,
+bool ReadFault(const nlohmann::json& settings, const std::string& endpoint, CEndpointFault& fault,
                std::string& error) {
-    if (!spec.is_object()) {
+    if (!settings.is_object()) {
         error = "member '" + endpoint + "' is not an object";
         return false;
     }
-    for (const auto& [key, value] : spec.items()) {
+    for (const auto& [key, value] : settings.items()) {
         if (key == "delay_ms" && value.is_number_integer() && value.get<int64_t>() >= 0) {
             fault.nDelayMs = value.get<int64_t>();
         } else if (key == "refuse" && value.is_boolean()) {
@@ -40,7 +40,7 @@ bool ReadFault(const nlohmann::json& spec, const std::string& endpoint, CEndpoin
 
 bool ReadEndpointFault(const std::string& controlFile, const std::string& endpoint,
                        CEndpointFault& fault, std::string& error) {
-    fault = CEndpointFault();
+    fault.Reset();
     if (controlFile.empty())
         return true;
     // A test may write the file only when it wants a fault.
@@ -58,7 +58,7 @@ bool ReadEndpointFault(const std::string& controlFile, const std::string& endpoi
         error = "control file '" + controlFile + "' is not a JSON object";
         return false;
     }
-    for (const auto& [name, spec] : control.items()) {
+    for (const auto& [name, settings] : control.items()) {
         bool known = false;
         for (const char* known_name : kEndpoints)
             known = known || name == known_name;
@@ -66,12 +66,12 @@ bool ReadEndpointFault(const std::string& controlFile, const std::string& endpoi
             error = "control file names an unknown endpoint '" + name + "'";
             return false;
         }
-        if (name == endpoint && !ReadFault(spec, endpoint, fault, error))
+        if (name == endpoint && !ReadFault(settings, endpoint, fault, error))
             return false;
         if (name != endpoint) {
             // Other endpoints are checked too, so that a typo shows at once.
             CEndpointFault other;
-            if (!ReadFault(spec, name, other, error))
+            if (!ReadFault(settings, name, other, error))
                 return false;
         }
     }

@@ -14,6 +14,13 @@ struct CEndpointFault {
     std::optional<std::string> sBody;
     std::optional<nlohmann::json> sdtValue;
 
+    void Reset() {
+        nDelayMs = 0;
+        bRefuse = false;
+        nStatus = 0;
+        sBody.reset();
+        sdtValue.reset();
+    }
     // A status or a body replaces the endpoint's own answer.
     bool ReplacesAnswer() const { return nStatus != 0 || sBody.has_value(); }
 };
