@@ -3,15 +3,33 @@
 #include "runtime/DebugClient.h"
 
 namespace {
+constexpr uint32_t kReservedValue = 600000;
+}
 
-constexpr char kDashes[] =
-    "\n------------------------------------------------------------------------------------------"
-    "\n";
+EM_TLRAID::EM_TLRAID() : EM_TLRAID(RaidTimings(), TLRAIDRestClientSettings()) {}
 
-}  // namespace
-
-EM_TLRAID::EM_TLRAID() {
+EM_TLRAID::EM_TLRAID(const RaidTimings& timings, const TLRAIDRestClientSettings& rest)
+    : m_RestClient(rest),
+      m_evRetryWait(false, true),
+      m_evSwitchStarted(false, true),
+      m_evStopWait(false, true),
+      m_evStopRequest(false, true),
+      m_evPollWake(false, true),
+      m_evPollEnded(false, true),
+      m_DetectRestClient(rest),
+      m_Timings(timings) {
     TLR_TRACE(5, "\nEM_TLRAID           : -> Constructor...");
+    m_bTestRequestsEnabled = false;
+    m_bCSS_HDD = false;
+    m_bCSS_BBU = false;
+    m_nTestAttributeValue = 0;
+    // The first wait on the retry event is free: it starts signalled, and resets itself.
+    m_evRetryWait.SetAttributes(true, false);
+    m_nReserved = kReservedValue;
+    m_isTerminating = false;
+    m_bAdaptersPresent = false;
+    m_bRestServerSeen = false;
+    m_bAgentlessSwitch = false;
     TLR_TRACE(5, "\nEM_TLRAID           : <- Constructor");
 }
 
@@ -26,23 +44,5 @@ int EM_TLRAID::GetModuleInfo(ModuleInfoBlock* block) {
 
 int EM_TLRAID::IsDetected() {
     TLR_TRACE(1, "\nEM_TLRAID           : TL RAID always \"detected\"!");
-    return 1;
-}
-
-int EM_TLRAID::Start(ISwitch* pSwitch, uint32_t param) {
-    CExtensionModule::Start(pSwitch, param);
-    TLR_TRACE(1, "%s", kDashes);
-    TLR_TRACE(1, "\n### Starting module %s ###\n", kModuleName);
-    TLR_TRACE(1, "\n\n### Start of module %s completed %s ###", kModuleName, "successfully");
-    TLR_TRACE(1, "%s", kDashes);
-    return 1;
-}
-
-int EM_TLRAID::Stop() {
-    TLR_TRACE(1, "%s", kDashes);
-    TLR_TRACE(1, "\n### Stopping module %s ###\n", kModuleName);
-    CExtensionModule::Stop();
-    TLR_TRACE(1, "\n\n### Stop of module %s completed %s ###", kModuleName, "successfully");
-    TLR_TRACE(1, "%s", kDashes);
     return 1;
 }

@@ -1,22 +1,94 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
+#include <map>
+#include <string>
 
 #include "frame/ExtensionModule.h"
+#include "raid/RaidSettings.h"
+#include "rest/TLRAIDRestClient.h"
+#include "runtime/Event.h"
+#include "runtime/RecursiveLock.h"
+#include "runtime/Thread.h"
+
+class CTLRaidData;
 
 // The RAID extension module: makes the storage of the local RAID manager visible to the
-// switch's clients.
+// switch's clients. Each client reads from a snapshot of its own of the storage tree.
 class EM_TLRAID : public CExtensionModule {
   public:
     static constexpr const char* kModuleName = "EM_TLRAID";
     static constexpr const char* kDescription = "TLRAID extension module";
 
+    // The shipped module: the host's REST daemon and the fixed waits and tries.
     EM_TLRAID();
+    // A module with other waits and another REST set-up, for tests.
+    EM_TLRAID(const RaidTimings& timings, const TLRAIDRestClientSettings& rest);
     ~EM_TLRAID() override;
 
     int GetModuleInfo(ModuleInfoBlock* block) override;
     int IsDetected() override;
     int Start(ISwitch* pSwitch, uint32_t param) override;
     int Stop() override;
+    void OnSwitchStarted() override;
+    uint32_t ModuleRequest(CommandRecord* record) override;
     const char* GetModuleName() override { return kModuleName; }
+    void ClientDetached(uint32_t clientId) override;
+
+    // Start-up: is the RAID manager there, is its service running, the first valid tree.
+    bool IsTLRaidInstalled();
+    bool DetectTLRaid(uint32_t waitMs, uint32_t tries);
+    bool DetectRestServer();
+    bool InitializeAfterTLRaidStart();
+    static void* WaitForTLRaidStart_Thread(void* module);
+    static void* StorageDeviceTreePollingThread(void* module);
+
+    // Client snapshots: one tree text per client id.
+    bool TLRaidDataGetSnapshot(CTLRaidData& doc, uint32_t clientId);
+    bool TLRaidDataUpdateSnapshot(uint32_t clientId);
+    bool GetRaidAdapterData(CTLRaidData& doc, uint32_t clientId, uint32_t adapterIndex);
+    bool ClearAllSnapshots();
+    size_t SnapshotCount();
+
+    // Flags for tests and the host's view.
+    bool IsTerminating() const { return m_isTerminating; }
+    bool IsCssHdd() const { return m_bCSS_HDD; }
+    bool IsCssBbu() const { return m_bCSS_BBU; }
+    bool AreTestRequestsEnabled() const { return m_bTestRequestsEnabled; }
+
+  private:
+    struct RequestContext;
+    void StartPollingThread();
+    void StorageDeviceTreePolling();
+    void Dispatch(CommandRecord& record, uint32_t& result);
+
+    std::map<uint32_t, std::string> m_Snapshots;
+    CRecursiveLock m_TLRaidSnapshotLock;
+    TLRAIDRestClient m_RestClient;
+    CEvent m_evRetryWait;
+    // The PCI device list of the host stands here.
+    CEvent m_evSwitchStarted;
+    CEvent m_evStopWait;
+    CEvent m_evStopRequest;
+    CThread m_WaitThread;
+    CThread m_SpareThread;
+    // The enclosure map stands here.
+    CThread m_PollingThread;
+    CEvent m_evPollWake;
+    CEvent m_evPollEnded;
+    std::string m_sTestAttribute;
+    uint32_t m_nTestAttributeValue = 0;
+    uint32_t m_nReserved = 0;
+    TLRAIDRestClient m_DetectRestClient;
+    // Flags read by other threads without a lock.
+    std::atomic<bool> m_bTestRequestsEnabled{false};
+    std::atomic<bool> m_bCSS_HDD{false};
+    std::atomic<bool> m_bCSS_BBU{false};
+    std::atomic<bool> m_isTerminating{false};
+    std::atomic<bool> m_bAdaptersPresent{false};
+    std::atomic<bool> m_bRestServerSeen{false};
+    std::atomic<bool> m_bAgentlessSwitch{false};
+
+    RaidTimings m_Timings;
 };

@@ -14,6 +14,14 @@ bool Contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
+// A host without the RAID manager: the module starts at once and stays idle.
+EmhostOptions NoRaid(std::vector<std::string> sandbox = {"--trace-level", "6"}) {
+    EmhostOptions o;
+    o.sandbox = sandbox;
+    o.sandbox.insert(o.sandbox.end(), {"--raid", "none"});
+    return o;
+}
+
 TEST(ModuleShellTest, ExportsExactlyTheFourEntryPoints) {
     ProcessResult nm = RunProcess({"nm", "-D", "--defined-only", BuildPath("em_tlraid.so")});
     ASSERT_EQ(nm.exitCode, 0) << nm.err;
@@ -26,21 +34,23 @@ TEST(ModuleShellTest, ExportsExactlyTheFourEntryPoints) {
 }
 
 TEST(ModuleShellTest, LifeCycleAnswersAndTraces) {
-    auto run = RunEmhost({
-        "{\"host\":\"name\"}",
-        "{\"host\":\"create\"}",
-        "{\"host\":\"create\"}",
-        "{\"host\":\"name\"}",
-        "{\"host\":\"detected\"}",
-        "{\"host\":\"cabinet\",\"nr\":1}",
-        "{\"host\":\"start\"}",
-        "{\"SIP\":{\"V\":1,\"CMD\":[{\"OC\":8464,\"CI\":7}]}}",
-        "{\"host\":\"notify\",\"code\":131072}",
-        "{\"host\":\"stop\"}",
-        "{\"host\":\"delete\"}",
-        "{\"host\":\"delete\"}",
-        "{\"host\":\"create\"}",
-    });
+    auto run = RunEmhost(
+        {
+            "{\"host\":\"name\"}",
+            "{\"host\":\"create\"}",
+            "{\"host\":\"create\"}",
+            "{\"host\":\"name\"}",
+            "{\"host\":\"detected\"}",
+            "{\"host\":\"cabinet\",\"nr\":1}",
+            "{\"host\":\"start\"}",
+            "{\"SIP\":{\"V\":1,\"CMD\":[{\"OC\":8464,\"CI\":7}]}}",
+            "{\"host\":\"notify\",\"code\":131072}",
+            "{\"host\":\"stop\"}",
+            "{\"host\":\"delete\"}",
+            "{\"host\":\"delete\"}",
+            "{\"host\":\"create\"}",
+        },
+        NoRaid());
     ASSERT_EQ(run.process.exitCode, 0) << run.process.err;
     ASSERT_EQ(run.lines.size(), 13u);
     EXPECT_EQ(run.lines[0],
@@ -75,7 +85,8 @@ TEST(ModuleShellTest, LifeCycleAnswersAndTraces) {
 
 TEST(ModuleShellTest, InformationBlockNeedsItsFullSize) {
     auto run = RunEmhost({"{\"host\":\"create\"}", "{\"host\":\"info\",\"size\":245}",
-                          "{\"host\":\"info\",\"size\":246}"});
+                          "{\"host\":\"info\",\"size\":246}"},
+                         NoRaid());
     ASSERT_EQ(run.lines.size(), 3u);
     std::string untouched = "f5000000";
     for (int i = 4; i < 246; ++i)
@@ -106,7 +117,8 @@ TEST(ModuleShellTest, InformationBlockNeedsItsFullSize) {
 
 TEST(ModuleShellTest, SetupActionsNeedNoModuleObject) {
     auto run = RunEmhost({"{\"host\":\"setup\",\"action\":2}", "{\"host\":\"setup\",\"action\":5}",
-                          "{\"host\":\"setup\",\"action\":0}"});
+                          "{\"host\":\"setup\",\"action\":0}"},
+                         NoRaid());
     EXPECT_EQ(run.lines, std::vector<std::string>(3, "{\"host\":\"setup\",\"ret\":1}"));
     EXPECT_TRUE(Contains(run.trace,
                          "\n\nEM_TLRAID           : ## Setup action \"RESTORE\" call - no action "
@@ -116,13 +128,11 @@ TEST(ModuleShellTest, SetupActionsNeedNoModuleObject) {
 }
 
 TEST(ModuleShellTest, TraceLevelComesFromTheConfiguration) {
-    EmhostOptions quiet;
-    quiet.sandbox = {};
+    EmhostOptions quiet = NoRaid({});
     auto silent = RunEmhost({"{\"host\":\"create\"}", "{\"host\":\"detected\"}"}, quiet);
     EXPECT_EQ(silent.trace, "");
 
-    EmhostOptions levelOne;
-    levelOne.sandbox = {"--trace-level", "1"};
+    EmhostOptions levelOne = NoRaid({"--trace-level", "1"});
     auto one = RunEmhost(
         {"{\"host\":\"create\"}", "{\"host\":\"detected\"}", "{\"host\":\"cabinet\",\"nr\":2}"},
         levelOne);
@@ -131,8 +141,7 @@ TEST(ModuleShellTest, TraceLevelComesFromTheConfiguration) {
     EXPECT_FALSE(Contains(one.trace, "Create module"));
 
     // Without a configuration directory the environment sets the level.
-    EmhostOptions fromEnv;
-    fromEnv.sandbox = {};
+    EmhostOptions fromEnv = NoRaid({});
     fromEnv.env = {"TL_LOG_DEBUG_LEVEL=2"};
     auto env = RunEmhost({"{\"host\":\"create\"}", "{\"host\":\"cabinet\",\"nr\":2}"}, fromEnv);
     EXPECT_TRUE(Contains(env.trace, "Server cabinet number = 2"));

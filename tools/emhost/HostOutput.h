@@ -8,6 +8,7 @@
 // asynchronous lines of other threads never cut into a result line.
 class HostOutput {
   public:
+    // Null: the lines are dropped.
     explicit HostOutput(FILE* out) : m_pOut(out) {}
     void WriteLine(const std::string& json);
     void Flush();

@@ -14,6 +14,7 @@
 #include "HostOutput.h"
 #include "HostSwitch.h"
 #include "HostTraceServer.h"
+#include "Inventory.h"
 #include "LineProtocol.h"
 #include "ModuleLibrary.h"
 
@@ -25,6 +26,8 @@ constexpr char kDefaultModule[] = "em_tlraid.so";
 const char kUsage[] =
     "usage: emhost [--module PATH] [--switch-type N] [--answer OC=JSON]... [--trace FILE] "
     "[SCRIPT]\n"
+    "       emhost inventory [--module PATH] [--switch-type N] [--answer OC=JSON]... "
+    "[--trace FILE]\n"
     "\n"
     "Loads an extension module and drives it with JSON lines, one per line, from SCRIPT or\n"
     "standard input. Each line gets one JSON result line on standard output.\n"
@@ -41,9 +44,14 @@ const char kUsage[] =
     "Lines: a command record {\"SIP\":{...}}, or an action {\"host\":ACTION,...} with ACTION one\n"
     "of create, delete, name, setup, info, detected, cabinet, start, switch-started, notify,\n"
     "detach, selist, stop, answer, request, burst, wait-events, sleep, exit.\n"
-    "Empty lines and lines beginning with # are skipped. See README.md for the members.\n";
+    "Empty lines and lines beginning with # are skipped. See README.md for the members.\n"
+    "\n"
+    "inventory: creates and starts the module, prints what a client of the switch sees\n"
+    "(adapters, drives, logical drives, batteries, ports, enclosures, overall status) as\n"
+    "tables, then stops and deletes the module.\n";
 
 struct Options {
+    bool inventory = false;
     std::string module;
     uint32_t switchType = 1;
     std::vector<std::pair<uint32_t, std::string>> answers;
@@ -81,7 +89,12 @@ std::string DirectoryOfSelf() {
 
 Options ParseOptions(int argc, char** argv) {
     Options o;
-    for (int i = 1; i < argc; ++i) {
+    int first = 1;
+    if (argc > 1 && std::string(argv[1]) == "inventory") {
+        o.inventory = true;
+        first = 2;
+    }
+    for (int i = first; i < argc; ++i) {
         std::string arg = argv[i];
         auto value = [&](const char* name) -> std::string {
             if (i + 1 >= argc)
@@ -109,6 +122,8 @@ Options ParseOptions(int argc, char** argv) {
             o.trace = value("--trace");
         } else if (arg.size() > 1 && arg[0] == '-') {
             UsageError("unknown option " + arg);
+        } else if (o.inventory) {
+            UsageError("inventory takes no SCRIPT");
         } else if (o.script.empty()) {
             o.script = arg;
         } else {
@@ -125,6 +140,19 @@ Options ParseOptions(int argc, char** argv) {
     output.Flush();
     Debug.Flush();
     _exit(0);
+}
+
+// Creates the module, prints its inventory and deletes it again.
+int RunInventory(ModuleLibrary& library, ISwitch& hostSwitch) {
+    CIExtensionModule* module = nullptr;
+    if (!library.Create(&module, 0) || !module) {
+        fprintf(stderr, "emhost: the module could not be created\n");
+        return 1;
+    }
+    int status = PrintInventory(*module, hostSwitch);
+    library.Delete();
+    printf("Module deleted.\n");
+    return status;
 }
 
 }  // namespace
@@ -146,7 +174,7 @@ int main(int argc, char** argv) {
         }
     }
 
-    static HostOutput output(stdout);
+    static HostOutput output(options.inventory ? nullptr : stdout);
     static HostSwitch hostSwitch(output, options.switchType);
     for (const auto& [oc, json] : options.answers) {
         std::string error;
@@ -159,6 +187,9 @@ int main(int argc, char** argv) {
         fprintf(stderr, "emhost: %s\n", error.c_str());
         return kUsageError;
     }
+
+    if (options.inventory)
+        return RunInventory(library, hostSwitch);
 
     LineProtocol protocol(output, hostSwitch, library);
     std::istream& in = options.script.empty() ? std::cin : scriptFile;

@@ -1,0 +1,63 @@
+// The numbers clients get for the storage tree's states.
+#include <gtest/gtest.h>
+
+#include "raid/StatusMaps.h"
+
+namespace {
+
+TEST(StatusMapsTest, DriveStatusReadsSmartVariantsAsTheirStateAndSwapsNineAndTen) {
+    struct Row {
+        int32_t index;
+        uint8_t want;
+    } rows[] = {
+        {0, 0},   {2, 2},   {8, 8},   {9, 10},   {10, 9},   {11, 11}, {15, 15}, {16, 255},
+        {17, 0},  {18, 1},  {19, 2},  {22, 6},   {23, 7},   {24, 10}, {25, 9},  {26, 11},
+        {27, 13}, {28, 14}, {29, 15}, {30, 255}, {-1, 255}, {7, 7},
+    };
+    for (const Row& r : rows)
+        EXPECT_EQ(status_map::DriveStatus(r.index), r.want) << r.index;
+}
+
+TEST(StatusMapsTest, ExtendedStatusKeepsPlainCodesAndMarksSmartOnes) {
+    struct Row {
+        int32_t code;
+        uint32_t want;
+    } rows[] = {
+        {0, 0},       {8, 8},       {9, 10},      {10, 9},      {11, 11},     {15, 15},
+        {16, 255},    {-1, 255},    {4096, 0x80}, {4097, 0x81}, {4098, 0x82}, {4099, 255},
+        {4100, 0x84}, {4103, 0x87}, {4104, 255},  {4105, 0x8A}, {4106, 0x89}, {4107, 255},
+        {4108, 255},  {4109, 0x8D}, {4111, 0x8F}, {4112, 255},
+    };
+    for (const Row& r : rows)
+        EXPECT_EQ(status_map::DriveExtendedStatus(r.code), r.want) << r.code;
+}
+
+TEST(StatusMapsTest, SmallMaps) {
+    EXPECT_EQ(status_map::ThreeWay(0), 1);
+    EXPECT_EQ(status_map::ThreeWay(2), 3);
+    EXPECT_EQ(status_map::ThreeWay(-1), 0);
+    EXPECT_EQ(status_map::ThreeWay(3), 0);
+    const uint8_t types[] = {0, 7, 8, 15, 13};
+    for (int t = 0; t < 5; ++t)
+        EXPECT_EQ(status_map::DriveType(t), types[t]);
+    EXPECT_EQ(status_map::DriveType(-1), 255);
+    EXPECT_EQ(status_map::DriveType(5), 255);
+    EXPECT_EQ(status_map::BatteryStatus(6), 6);
+    EXPECT_EQ(status_map::BatteryStatus(7), 8);
+    EXPECT_EQ(status_map::BatteryStatus(-1), 255);
+    const uint8_t cycles[] = {1, 2, 4, 3};
+    for (int c = 1; c <= 4; ++c)
+        EXPECT_EQ(status_map::LearnCycle(c), cycles[c - 1]);
+    EXPECT_EQ(status_map::LearnCycle(-1), 255);
+}
+
+TEST(StatusMapsTest, ComponentValueOfDriveIndexes) {
+    const uint8_t table[] = {1, 1, 1, 3, 1, 1, 2, 2, 3, 1, 1, 3, 3, 3, 3,
+                             1, 2, 2, 2, 0, 2, 2, 2, 2, 2, 2, 0, 0, 2, 2};
+    for (int i = 0; i < 30; ++i)
+        EXPECT_EQ(status_map::ComponentValue(i), table[i]) << i;
+    EXPECT_EQ(status_map::ComponentValue(-1), 0);
+    EXPECT_EQ(status_map::ComponentValue(30), 0);
+}
+
+}  // namespace

@@ -1,0 +1,205 @@
+#include "Inventory.h"
+
+#include <chrono>
+#include <cstdio>
+#include <string>
+
+#include "InventoryWords.h"
+#include "TextTable.h"
+#include "frame/CommandRecord.h"
+#include "frame/ExtensionModule.h"
+
+namespace {
+
+namespace words = inventory_words;
+
+constexpr uint32_t kClientId = 1;
+constexpr uint32_t kStatusOk = 0;
+
+// Object codes that a client of the switch asks.
+enum : uint32_t {
+    kAdapterCount = 0x2110,
+    kAdapterName = 0x2111,
+    kAdapterType = 0x2112,
+    kAdapterStatus = 0x2116,
+    kAdapterDeviceId = 0x2117,
+    kOverallStatus = 0x2120,
+    kAdaptersStatus = 0x2121,
+    kLogicalDrivesStatus = 0x2122,
+    kDisksStatus = 0x2123,
+    kDriveCount = 0x2130,
+    kDriveStatus = 0x2131,
+    kDriveSmart = 0x2132,
+    kDriveName = 0x2133,
+    kDriveType = 0x2134,
+    kDriveSize = 0x2135,
+    kLdCount = 0x2150,
+    kLdStatus = 0x2151,
+    kLdName = 0x2152,
+    kLdSize = 0x2153,
+    kLdPhysicalSize = 0x2154,
+    kLdRaidLevel = 0x2155,
+    kBatteryCount = 0x2160,
+    kBatteryName = 0x2161,
+    kBatteryStatus = 0x2162,
+    kBatteryLearnCycle = 0x2163,
+    kPortCount = 0x2180,
+    kPortName = 0x2181,
+    kEnclosureCount = 0x2190,
+    kEnclosureName = 0x2191,
+    kEnclosureStatus = 0x2192,
+};
+
+// One answer of the module: its status and its data as a number or a text.
+struct Reply {
+    uint32_t status = 0;
+    uint64_t number = 0;
+    std::string text;
+    bool Ok() const { return status == kStatusOk; }
+};
+
+class Client {
+  public:
+    explicit Client(CIExtensionModule& module) : m_Module(module) {}
+
+    Reply Ask(uint32_t oc, uint32_t oe = 0, uint32_t oi = 0) {
+        CommandRecord record;
+        std::string json = "{\"SIP\":{\"V\":1,\"CMD\":[{\"OC\":" + std::to_string(oc) +
+                           ",\"OE\":" + std::to_string(oe) + ",\"OI\":" + std::to_string(oi) +
+                           ",\"CI\":" + std::to_string(kClientId) + "}]}}";
+        record.SetJson(json);
+        m_Module.ModuleRequest(&record);
+        Reply reply;
+        reply.status = record.GetField("ST", CommandRecord::kDefaultStatus);
+        const rapidjson::Value* cmd = record.Command(0);
+        const rapidjson::Value* da = cmd ? CommandRecord::FindMember(*cmd, "DA") : nullptr;
+        if (da && da->IsUint64())
+            reply.number = da->GetUint64();
+        if (da && da->IsString())
+            reply.text = da->GetString();
+        return reply;
+    }
+
+    // The answer in words, or what the status says when there is none.
+    std::string Show(uint32_t oc, uint32_t oe, uint32_t oi, std::string (*meaning)(uint32_t)) {
+        Reply r = Ask(oc, oe, oi);
+        if (!r.Ok())
+            return NoAnswer(r.status);
+        return meaning ? meaning(static_cast<uint32_t>(r.number)) : std::to_string(r.number);
+    }
+    std::string Text(uint32_t oc, uint32_t oe, uint32_t oi) {
+        Reply r = Ask(oc, oe, oi);
+        return r.Ok() ? r.text : NoAnswer(r.status);
+    }
+    uint32_t Count(uint32_t oc, uint32_t oe = 0) {
+        Reply r = Ask(oc, oe);
+        return r.Ok() ? static_cast<uint32_t>(r.number) : 0;
+    }
+
+    static std::string NoAnswer(uint32_t status) {
+        switch (status) {
+            case 2:
+                return "(no such object)";
+            case 6:
+                return "(no RAID data)";
+            case 19:
+                return "(not available)";
+            default:
+                return "(status " + std::to_string(status) + ")";
+        }
+    }
+
+  private:
+    CIExtensionModule& m_Module;
+};
+
+std::string Size(Client& c, uint32_t oc, uint32_t oe, uint32_t oi, const char* unit) {
+    Reply r = c.Ask(oc, oe, oi);
+    return r.Ok() ? std::to_string(r.number) + " " + unit : Client::NoAnswer(r.status);
+}
+
+void PrintAdapter(Client& c, uint32_t a) {
+    printf("\nAdapter %u: %s\n", a, c.Text(kAdapterName, 0, a).c_str());
+    printf("  type %s, status %s, PCI device id %s\n",
+           c.Show(kAdapterType, 0, a, words::AdapterType).c_str(),
+           c.Show(kAdapterStatus, 0, a, words::AdapterStatus).c_str(),
+           c.Text(kAdapterDeviceId, 0, a).c_str());
+
+    TextTable drives({"#", "name", "type", "status", "SMART", "size"});
+    for (uint32_t d = 0, n = c.Count(kDriveCount, a); d < n; ++d) {
+        drives.Add({std::to_string(d), c.Text(kDriveName, a, d),
+                    c.Show(kDriveType, a, d, words::DriveType),
+                    c.Show(kDriveStatus, a, d, words::DriveStatus),
+                    c.Show(kDriveSmart, a, d, words::SmartFlag), Size(c, kDriveSize, a, d, "MB")});
+    }
+    TextTable logical({"#", "name", "status", "RAID level", "size", "physical size"});
+    for (uint32_t l = 0, n = c.Count(kLdCount, a); l < n; ++l) {
+        logical.Add({std::to_string(l), c.Text(kLdName, a, l),
+                     c.Show(kLdStatus, a, l, words::LogicalDriveStatus), c.Text(kLdRaidLevel, a, l),
+                     Size(c, kLdSize, a, l, "MB"), Size(c, kLdPhysicalSize, a, l, "MB")});
+    }
+    TextTable batteries({"#", "name", "status", "learn cycle"});
+    for (uint32_t b = 0, n = c.Count(kBatteryCount, a); b < n; ++b) {
+        batteries.Add({std::to_string(b), c.Text(kBatteryName, a, b),
+                       c.Show(kBatteryStatus, a, b, words::BatteryStatus),
+                       c.Show(kBatteryLearnCycle, a, b, words::LearnCycle)});
+    }
+    TextTable ports({"#", "name"});
+    for (uint32_t p = 0, n = c.Count(kPortCount, a); p < n; ++p) {
+        ports.Add({std::to_string(p), c.Text(kPortName, a, p)});
+    }
+    TextTable enclosures({"#", "name", "status"});
+    for (uint32_t e = 0, n = c.Count(kEnclosureCount, a); e < n; ++e) {
+        enclosures.Add({std::to_string(e), c.Text(kEnclosureName, a, e),
+                        c.Show(kEnclosureStatus, a, e, words::ComponentStatus)});
+    }
+    const std::pair<const char*, const TextTable*> sections[] = {{"Physical drives", &drives},
+                                                                 {"Logical drives", &logical},
+                                                                 {"Batteries", &batteries},
+                                                                 {"Ports", &ports},
+                                                                 {"Enclosures", &enclosures}};
+    for (const auto& [title, table] : sections) {
+        if (table->Empty()) {
+            printf("  %s: none\n", title);
+        } else {
+            printf("  %s:\n", title);
+            table->Print(stdout, "    ");
+        }
+    }
+}
+
+}  // namespace
+
+int PrintInventory(CIExtensionModule& module, ISwitch& hostSwitch) {
+    printf("Starting the module (it looks for the RAID service and waits for a valid tree)...\n");
+    fflush(stdout);
+    auto started = std::chrono::steady_clock::now();
+    int ret = module.Start(&hostSwitch, 0);
+    auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(
+                  std::chrono::steady_clock::now() - started)
+                  .count();
+    printf("Start returned %d after %lld ms.\n", ret, static_cast<long long>(ms));
+
+    Client client(module);
+    Reply count = client.Ask(kAdapterCount);
+    if (!count.Ok()) {
+        printf("\nNo storage tree: the module answers %s.\n",
+               Client::NoAnswer(count.status).c_str());
+    } else {
+        printf("\n%llu adapter(s)\n", static_cast<unsigned long long>(count.number));
+        for (uint32_t a = 0; a < count.number; ++a)
+            PrintAdapter(client, a);
+        printf("\nOverall status:\n");
+        TextTable overall({"what", "status"});
+        overall.Add({"all", client.Show(kOverallStatus, 0, 0, words::ComponentStatus)});
+        overall.Add({"adapters", client.Show(kAdaptersStatus, 0, 0, words::ComponentStatus)});
+        overall.Add(
+            {"logical drives", client.Show(kLogicalDrivesStatus, 0, 0, words::ComponentStatus)});
+        overall.Add({"disks", client.Show(kDisksStatus, 0, 0, words::ComponentStatus)});
+        overall.Print(stdout, "  ");
+    }
+    printf("\nStopping the module (a stop takes 10 s by design)...\n");
+    fflush(stdout);
+    module.Stop();
+    return count.Ok() ? 0 : 1;
+}
