@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+
+// Everything that ties the REST client to one host: the daemon's paths and port, the login
+// data and the time base. The shipped client uses these values and no others.
+namespace tlr_rest {
+
+// The daemon's address is the fifth column of the first lsof line that names it.
+constexpr const char kLsofCommand[] =
+    "lsof | grep -i tlrcd | grep -i INET | awk '{ print $5 }' | uniq";
+
+constexpr const char kScheme[] = "https://";
+// Port and path stand behind the host in every URL.
+constexpr const char kAuthPath[] = ":34246/api/v1/authJwt";
+constexpr const char kSdtPath[] = ":34246/api/v1/sdt/vbmc";
+constexpr const char kRedfishPath[] = ":34246/api/v1/redfishOp";
+
+constexpr const char kClientId[] = "TLRM_CLIENT_TLAS";
+
+// The JWT: its issuer, the key shared with the daemon, and how long a new one holds.
+constexpr const char kJwtIssuer[] = "TLRM_CLIENT_TLAS";
+constexpr const char kJwtKey[] = "kite_mox";
+constexpr int64_t kTokenLifetime = 300;
+
+constexpr int64_t kNanosPerSecond = 1000000000;
+
+// Nanoseconds since the epoch on the system clock.
+using NowFunction = int64_t (*)();
+int64_t SystemNowNanos();
+
+}  // namespace tlr_rest

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "rest/RestConstants.h"
+
+struct curl_slist;
+
+// What a client is built with. The defaults are the daemon's fixed values; tests give others.
+struct TLRAIDRestClientSettings {
+    std::string sLsofCommand = tlr_rest::kLsofCommand;
+    std::string sAuthPath = tlr_rest::kAuthPath;
+    std::string sSdtPath = tlr_rest::kSdtPath;
+    std::string sRedfishPath = tlr_rest::kRedfishPath;
+    int64_t nTokenLifetime = tlr_rest::kTokenLifetime;
+    tlr_rest::NowFunction pNow = tlr_rest::SystemNowNanos;
+};
+
+// The module's road to the RAID manager's REST daemon. Each public operation is one whole
+// exchange: find the daemon through lsof, trade a JWT for an access token, send one request.
+// Only the tokens outlive a call.
+class TLRAIDRestClient {
+  public:
+    TLRAIDRestClient();
+    explicit TLRAIDRestClient(const TLRAIDRestClientSettings& settings);
+    ~TLRAIDRestClient();
+    TLRAIDRestClient(const TLRAIDRestClient&) = delete;
+    TLRAIDRestClient& operator=(const TLRAIDRestClient&) = delete;
+
+    // True when xml now holds the storage tree; false with xml untouched otherwise.
+    // A time-out of 0 seconds sets none.
+    bool GetXmlSdt(std::string& xml, uint32_t timeoutSec);
+    // Posts a Redfish request; true unless the POST itself failed or no host was found.
+    bool SendRedfishRequest(const std::string& body, std::string& reply, uint32_t timeoutSec);
+
+  protected:
+    // True when the lsof pipeline named a non-empty host.
+    bool GetMainServerIpAddress(std::string& host);
+    // Trades the JWT for an access token at url; the token, or empty, goes to m_sAccessToken.
+    void SetAuthToken(const std::string& url);
+    // The member "access_token" of a reply, or the empty string.
+    std::string GetAccessToken(const std::string& reply);
+    // Makes and signs a new JWT, stored in m_sJwt.
+    std::string CreateJwt();
+    // 1 while m_sJwt holds a token that has not expired, else 0.
+    unsigned IsJwtValid();
+    // A new header list with the JSON content type and the bearer token; the caller frees it.
+    curl_slist* AddAuthBearerHeader();
+    // One GET or POST with the bearer header; libcurl's code.
+    int32_t SendGet(const std::string& url, std::string& reply, uint32_t timeoutSec);
+    int32_t SendPost(const std::string& url, const std::string& body, std::string& reply,
+                     uint32_t timeoutSec);
+    // Appends what libcurl received to the string behind userp.
+    static size_t CurlWriteCallback(char* data, size_t size, size_t count, void* userp);
+
+    std::string m_sJwt;
+    int64_t m_nTokenLifetime;
+    std::string m_sClientId;
+    std::string m_sAuthPath;
+    std::string m_sSdtPath;
+    std::string m_sRedfishPath;
+    std::string m_sToken;
+    std::string m_sAccessToken;
+
+    std::string m_sLsofCommand;
+    tlr_rest::NowFunction m_pNow;
+};

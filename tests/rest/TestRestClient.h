@@ -1,0 +1,22 @@
+#pragma once
+
+#include "rest/TLRAIDRestClient.h"
+
+// The client with its steps and tokens opened up for tests.
+class CTestRestClient : public TLRAIDRestClient {
+  public:
+    using TLRAIDRestClient::TLRAIDRestClient;
+
+    using TLRAIDRestClient::AddAuthBearerHeader;
+    using TLRAIDRestClient::CreateJwt;
+    using TLRAIDRestClient::GetAccessToken;
+    using TLRAIDRestClient::GetMainServerIpAddress;
+    using TLRAIDRestClient::IsJwtValid;
+    using TLRAIDRestClient::SendGet;
+    using TLRAIDRestClient::SendPost;
+    using TLRAIDRestClient::SetAuthToken;
+
+    using TLRAIDRestClient::m_sAccessToken;
+    using TLRAIDRestClient::m_sJwt;
+    using TLRAIDRestClient::m_sToken;
+};

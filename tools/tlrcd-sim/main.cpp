@@ -1,0 +1,92 @@
+// tlrcd-sim: a stand-in for the RAID manager's REST daemon, for tests and demonstrations.
+
+#include <pthread.h>
+#include <signal.h>
+
+#include <cstdio>
+#include <string>
+#include <thread>
+
+#include "SimControl.h"
+#include "SimOptions.h"
+#include "SimServer.h"
+#include "TlsIdentity.h"
+
+namespace {
+
+constexpr int kExitServeFailed = 1;
+constexpr int kExitUsage = 2;
+
+int Fail(int status, const std::string& message) {
+    fprintf(stderr, "tlrcd-sim: %s\n", message.c_str());
+    if (status == kExitUsage)
+        fprintf(stderr, "Try 'tlrcd-sim --help'.\n");
+    return status;
+}
+
+// Files are read anew at every request; at start they must at least be readable.
+bool CheckFiles(const CSimOptions& options, std::string& error) {
+    std::string text;
+    if (!options.sTreeFile.empty() && !ReadWholeFile(options.sTreeFile, text)) {
+        error = "cannot read tree file '" + options.sTreeFile + "'";
+        return false;
+    }
+    if (!options.sRedfishFile.empty()) {
+        if (!ReadWholeFile(options.sRedfishFile, text)) {
+            error = "cannot read Redfish file '" + options.sRedfishFile + "'";
+            return false;
+        }
+        const nlohmann::json map = nlohmann::json::parse(text, nullptr, false);
+        if (map.is_discarded() || !map.is_object()) {
+            error = "Redfish file '" + options.sRedfishFile + "' is not a JSON object";
+            return false;
+        }
+    }
+    CEndpointFault fault;
+    return ReadEndpointFault(options.sControlFile, "sdt", fault, error);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CSimOptions options;
+    std::string error;
+    if (!ParseSimOptions(argc, argv, options, error))
+        return Fail(kExitUsage, error);
+    if (options.bHelp) {
+        fputs(SimUsage(), stdout);
+        return 0;
+    }
+    if (!CheckFiles(options, error))
+        return Fail(kExitUsage, error);
+
+    CTlsIdentity identity;
+    const bool haveIdentity =
+        options.sCertFile.empty()
+            ? MakeSelfSignedIdentity(identity, error)
+            : LoadIdentity(options.sCertFile, options.sKeyFile, identity, error);
+    if (!haveIdentity)
+        return Fail(options.sCertFile.empty() ? kExitServeFailed : kExitUsage, error);
+
+    // The server's threads inherit this mask; one thread of our own takes the signals.
+    sigset_t stopSignals;
+    sigemptyset(&stopSignals);
+    sigaddset(&stopSignals, SIGTERM);
+    sigaddset(&stopSignals, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+    signal(SIGPIPE, SIG_IGN);
+
+    CSimServer server(options);
+    if (!server.Open(identity, error))
+        return Fail(error.rfind("cannot open log", 0) == 0 ? kExitUsage : kExitServeFailed, error);
+
+    std::thread([&server, stopSignals] {
+        int signalNumber = 0;
+        sigwait(&stopSignals, &signalNumber);
+        server.Stop();
+    }).detach();
+
+    fprintf(stderr, "tlrcd-sim: listening on https://%s:%d\n", options.sHost.c_str(),
+            server.Port());
+    return server.Run() ? 0 : kExitServeFailed;
+}
