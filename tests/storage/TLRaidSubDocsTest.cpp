@@ -121,29 +121,6 @@ TEST(TLRaidDataPciAddress, ChildrenAreSearchedForwardInOrder) {
     }
 }
 
-TEST(TLRaidDataPciAddress, SampleTrees) {
-    struct Row {
-        const char* file;
-        int bus, device, function, segment;
-    };
-    const Row rows[] = {{"demo.xml", 24, 0, 0, 0},
-                        {"sata-port.xml", 0, 31, 0, 0},
-                        {"scsi-channel.xml", 5, 2, 1, 0},
-                        {"flat.xml", 129, 0, 0, 1}};
-    for (const Row& row : rows) {
-        CTLRaidData tree;
-        ASSERT_TRUE(tree.SetDoc(SampleTree(row.file)));
-        CTLRaidData adapter;
-        ASSERT_TRUE(tree.GetAdapterData(adapter, 0));
-        AdapterPciAddress address;
-        EXPECT_TRUE(adapter.GetAdapterPciAddress(address)) << row.file;
-        EXPECT_EQ(address.nBus, row.bus) << row.file;
-        EXPECT_EQ(address.nDevice, row.device) << row.file;
-        EXPECT_EQ(address.nFunction, row.function) << row.file;
-        EXPECT_EQ(address.nSegment, row.segment) << row.file;
-    }
-}
-
 TEST(TLRaidDataProperties, EachReadLooksForItsOwnRoot) {
     struct Read {
         const char* root;

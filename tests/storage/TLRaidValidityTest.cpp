@@ -143,12 +143,6 @@ TEST(TLRaidDataIsValid, TracesEachStepAtLevelFive) {
     EXPECT_NE(trace.find("Adapter status: \"Initializing\""), std::string::npos) << trace;
 }
 
-TEST(TLRaidDataIsValid, NothingTracedBelowLevelFive) {
-    ScopedTraceLevel level(4);
-    Valid(SampleTree("demo.xml"));
-    EXPECT_EQ(Debug.Take(), "");
-}
-
 TEST(TLRaidDataIsValid, KeepsThePositionsAndWorksOnAPlainDocument) {
     CXmlDoc doc;
     ASSERT_TRUE(doc.SetDoc(SampleTree("demo.xml")));
