@@ -70,7 +70,7 @@ class CTLRaidData : public CXmlDoc {
     static void PhysicalDriveStatusToIndex(const char* pszStatus, uint32_t& nIndex);
 
   private:
-    // A visitor of a drive or enclosure walk; true ends the walk.
+    // A visitor of a drive walk, given the drive's position; true ends the walk.
     using Visitor = std::function<bool(uint32_t iPos)>;
 
     // Parts that other operations use on this same document. They start from reset
@@ -79,8 +79,9 @@ class CTLRaidData : public CXmlDoc {
     uint32_t CountAdapters();
     bool CutAdapter(CXmlDoc& out, uint32_t nIndex);
 
-    // Visits the drives of the first Adapter in the order of GetPhysicalDriveCount, each at
-    // the child position. With bPortListOnly, only the port list layout is walked.
+    // Visits the drives of the first Adapter in the order of GetPhysicalDriveCount: at the
+    // child position, or in the flat layout at the main position. With bPortListOnly, only
+    // the port list layout is walked (where a drive is always at the child position).
     void WalkDrives(const Visitor& visit, bool bPortListOnly);
     // Visits each enclosure number of the port list at its first appearance, with the
     // Enclosure at the main position; gives the number of enclosures visited.

@@ -1,0 +1,204 @@
+// Drives of an adapter across the six layouts: count, order, cut, index; and the ports.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "storage/TLRaidData.h"
+#include "storage/TreeText.h"
+
+namespace {
+
+// Cuts the nIndex-th adapter of a sample or inline tree.
+void LoadAdapter(CTLRaidData& adapter, const std::string& text, uint32_t nIndex) {
+    CTLRaidData tree;
+    tree.SetDoc(text);
+    ASSERT_TRUE(tree.GetAdapterData(adapter, nIndex)) << "adapter " << nIndex;
+}
+
+// The DeviceNumber of each drive in walk order, comma-separated; checks that the walk
+// ends where the count says.
+std::string DriveNumbers(CTLRaidData& adapter) {
+    std::string numbers;
+    uint32_t nCount = adapter.GetPhysicalDriveCount();
+    for (uint32_t i = 0; i < nCount; ++i) {
+        CTLRaidData drive;
+        EXPECT_TRUE(adapter.GetPhysicalDriveData(drive, i)) << "drive " << i;
+        EXPECT_TRUE(drive.FindElem("PhysicalDrive"));
+        numbers += (i ? "," : "") + drive.GetAttrib(drive.GetMainPos(), "DeviceNumber");
+    }
+    CTLRaidData beyond;
+    EXPECT_FALSE(adapter.GetPhysicalDriveData(beyond, nCount));
+    return numbers;
+}
+
+TEST(TLRaidDataDrives, CountAndOrderOnEveryLayout) {
+    struct Row {
+        const char* file;
+        uint32_t adapter;
+        const char* numbers;
+    };
+    const Row rows[] = {
+        // Port list: port by port, the port's own drives before those of its enclosures.
+        {"port-list.xml", 0, "0,1,16,17,24,2,3,40,48"},
+        {"demo.xml", 0, "0,1,8,9,10,11"},
+        {"demo.xml", 1, "0,1"},
+        {"two-adapters-enclosures.xml", 0, "8,9,16"},
+        {"two-adapters-enclosures.xml", 1, "0,1"},
+        {"logical-drives.xml", 0, "0,1,2,3,4,5"},
+        {"smart-drives.xml", 0, "0,1,2,3,4,5,6,7,8,9,10"},
+        {"channel-list.xml", 0, "0,1,2,8,9"},
+        {"sas-port.xml", 0, "4,5,6"},
+        {"sata-port.xml", 0, "0,1"},
+        {"scsi-channel.xml", 0, "0,1,2,3"},
+        {"flat.xml", 0, "0,1"},
+        // A SASPort's enclosures are not walked: only its own drives count.
+        {"version1-sasport.xml", 0, "0"},
+        {"batteries.xml", 0, ""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.file) + " adapter " + std::to_string(row.adapter));
+        CTLRaidData adapter;
+        LoadAdapter(adapter, SampleTree(row.file), row.adapter);
+        EXPECT_EQ(DriveNumbers(adapter), row.numbers);
+    }
+}
+
+TEST(TLRaidDataDrives, LayoutsAreTestedInTheirOrder) {
+    struct Row {
+        const char* adapter;
+        const char* numbers;
+    };
+    const Row rows[] = {
+        {"<Adapter/>", ""},
+        {"<Adapter><Ports/><PhysicalDrive DeviceNumber=\"9\"/></Adapter>", ""},
+        {"<Adapter><PhysicalDrive DeviceNumber=\"9\"/><Channels><Channel>"
+         "<PhysicalDrive DeviceNumber=\"1\"/></Channel></Channels></Adapter>",
+         "1"},
+        {"<Adapter><Channels><Channel><PhysicalDrive DeviceNumber=\"1\"/></Channel></Channels>"
+         "<Ports><Port><PhysicalDrive DeviceNumber=\"2\"/></Port></Ports></Adapter>",
+         "2"},
+        // SASPort before SATAPort before SCSIChannel, wherever they stand.
+        {"<Adapter><SCSIChannel><PhysicalDrive DeviceNumber=\"3\"/></SCSIChannel>"
+         "<SATAPort><PhysicalDrive DeviceNumber=\"2\"/></SATAPort>"
+         "<SASPort><PhysicalDrive DeviceNumber=\"1\"/></SASPort></Adapter>",
+         "1"},
+        {"<Adapter><SCSIChannel><PhysicalDrive DeviceNumber=\"3\"/></SCSIChannel>"
+         "<SATAPort><PhysicalDrive DeviceNumber=\"2\"/></SATAPort></Adapter>",
+         "2"},
+        // Only the first SASPort is walked.
+        {"<Adapter><SASPort><PhysicalDrive DeviceNumber=\"1\"/></SASPort>"
+         "<SASPort><PhysicalDrive DeviceNumber=\"2\"/></SASPort></Adapter>",
+         "1"},
+        // Flat: back references under a logical drive's layout are no drives of the adapter.
+        {"<Adapter><PhysicalDrive DeviceNumber=\"0\"/><LogicalDrive><Layout><Container>"
+         "<PhysicalDrive DeviceNumber=\"0\"/></Container></Layout></LogicalDrive>"
+         "<PhysicalDrive DeviceNumber=\"1\"/></Adapter>",
+         "0,1"},
+        // Port list: the port's drives first, even behind its enclosures in the text.
+        {"<Adapter><Ports><Port><Enclosure><PhysicalDrive DeviceNumber=\"10\"/></Enclosure>"
+         "<PhysicalDrive DeviceNumber=\"1\"/><Enclosure><PhysicalDrive DeviceNumber=\"20\"/>"
+         "</Enclosure><PhysicalDrive DeviceNumber=\"2\"/></Port><Port>"
+         "<PhysicalDrive DeviceNumber=\"3\"/></Port></Ports></Adapter>",
+         "1,2,10,20,3"},
+        // The first Adapter of a document is meant.
+        {"<Adapter><PhysicalDrive DeviceNumber=\"1\"/></Adapter>", "1"},
+    };
+    for (const Row& row : rows) {
+        CTLRaidData adapter;
+        adapter.SetDoc(std::string(row.adapter));
+        EXPECT_EQ(DriveNumbers(adapter), row.numbers) << row.adapter;
+    }
+}
+
+TEST(TLRaidDataDrives, IndexBySerialNumberCountsOnlyDrivesWithOne) {
+    CTLRaidData adapter;
+    LoadAdapter(adapter, SampleTree("port-list.xml"), 0);
+    // Drive 5 has no serial number: it has no index, and those behind it move up by one.
+    const int expected[] = {0, 1, 2, 3, 4, -1, 5, 6, 7};
+    for (uint32_t i = 0; i < std::size(expected); ++i) {
+        CTLRaidData drive;
+        ASSERT_TRUE(adapter.GetPhysicalDriveData(drive, i));
+        uint32_t index = 99;
+        bool found = adapter.GetPhysicalDriveIndex(index, drive);
+        EXPECT_EQ(found, expected[i] >= 0) << "drive " << i;
+        EXPECT_EQ(index, expected[i] >= 0 ? uint32_t(expected[i]) : 99u) << "drive " << i;
+    }
+}
+
+TEST(TLRaidDataDrives, IndexIsForThePortListOnlyAndNeedsTheSerialThere) {
+    CTLRaidData drive;
+    ASSERT_TRUE(drive.SetDoc(
+        std::string("<PhysicalDrive><SerialNumber>HS9-00413</SerialNumber></PhysicalDrive>")));
+    CTLRaidData sasPort;
+    LoadAdapter(sasPort, SampleTree("sas-port.xml"), 0);
+    uint32_t index = 99;
+    EXPECT_FALSE(sasPort.GetPhysicalDriveIndex(index, drive));
+    EXPECT_EQ(index, 99u);
+
+    CTLRaidData portList;
+    LoadAdapter(portList, SampleTree("port-list.xml"), 0);
+    EXPECT_FALSE(portList.GetPhysicalDriveIndex(index, drive));
+    EXPECT_EQ(index, 99u);
+
+    // Equal by length and bytes: a prefix or another case is another serial number.
+    const char* const others[] = {"E5-S", "e5-s0", "E5-S0 ", ""};
+    for (const char* serial : others) {
+        ASSERT_TRUE(drive.SetDoc("<PhysicalDrive><SerialNumber>" + std::string(serial) +
+                                 "</SerialNumber></PhysicalDrive>"));
+        EXPECT_FALSE(portList.GetPhysicalDriveIndex(index, drive)) << serial;
+    }
+    ASSERT_TRUE(drive.SetDoc(std::string("<PhysicalDrive><Name>x</Name></PhysicalDrive>")));
+    EXPECT_FALSE(portList.GetPhysicalDriveIndex(index, drive));
+
+    // The first of two drives with one serial number wins.
+    CTLRaidData twice;
+    ASSERT_TRUE(twice.SetDoc(std::string(
+        "<Adapter><Ports><Port><PhysicalDrive><SerialNumber>A</SerialNumber></PhysicalDrive>"
+        "<PhysicalDrive><SerialNumber>B</SerialNumber></PhysicalDrive>"
+        "<PhysicalDrive><SerialNumber>B</SerialNumber></PhysicalDrive></Port></Ports></Adapter>")));
+    ASSERT_TRUE(
+        drive.SetDoc(std::string("<PhysicalDrive><SerialNumber>B</SerialNumber></PhysicalDrive>")));
+    EXPECT_TRUE(twice.GetPhysicalDriveIndex(index, drive));
+    EXPECT_EQ(index, 1u);
+}
+
+// The tag and the Nr attribute of a cut port, or "untouched" for the document set before.
+std::string PortOf(CTLRaidData& port) {
+    if (!port.FindElem()) {
+        return "";
+    }
+    std::string tag = port.GetTagName();
+    return tag == "Untouched" ? "untouched" : tag + " " + port.GetAttrib(port.GetMainPos(), "Nr");
+}
+
+TEST(TLRaidDataPorts, PortAndChannelListsHandOutPortsTheOthersAnswerNoPort) {
+    struct Row {
+        const char* file;
+        uint32_t index;
+        bool result;
+        const char* port;
+    };
+    const Row rows[] = {
+        {"port-list.xml", 0, true, "Port 0"},
+        {"port-list.xml", 1, true, "Port 1"},
+        {"port-list.xml", 2, false, "untouched"},
+        {"channel-list.xml", 1, true, "Channel 1"},
+        {"channel-list.xml", 2, false, "untouched"},
+        // The single port element goes into the document, but the answer is false.
+        {"sas-port.xml", 0, false, "SASPort 0"},
+        {"sas-port.xml", 5, false, "SASPort 0"},
+        {"sata-port.xml", 0, false, "SATAPort 0"},
+        {"scsi-channel.xml", 0, false, "SCSIChannel 0"},
+        {"flat.xml", 0, false, "untouched"},
+    };
+    for (const Row& row : rows) {
+        CTLRaidData adapter;
+        LoadAdapter(adapter, SampleTree(row.file), 0);
+        CTLRaidData port;
+        port.SetDoc(std::string("<Untouched/>"));
+        EXPECT_EQ(adapter.GetPortData(port, row.index), row.result) << row.file << " " << row.index;
+        EXPECT_EQ(PortOf(port), row.port) << row.file << " " << row.index;
+    }
+}
+
+}  // namespace

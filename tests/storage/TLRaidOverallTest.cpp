@@ -1,0 +1,168 @@
+// The overall component statuses of all physical drives and of all batteries.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "storage/TLRaidData.h"
+#include "storage/TreeText.h"
+#include "support/CaptureTraceServer.h"
+
+namespace {
+
+std::string Drive(const std::string& status) {
+    return "<PhysicalDrive><Status>" + status + "</Status></PhysicalDrive>";
+}
+
+std::string FlatAdapter(const std::string& drives) {
+    return "<Adapter>" + drives + "</Adapter>";
+}
+
+struct DiskResult {
+    bool result;
+    int32_t status;
+};
+
+DiskResult DiskStatus(const std::string& text) {
+    CTLRaidData tree;
+    tree.SetDoc(text);
+    DiskResult r{false, 77};
+    r.result = tree.GetPhysicalDiskOverallComponentStatus(r.status);
+    return r;
+}
+
+TEST(TLRaidDataDiskOverall, MultiplexerWordGoesFirst) {
+    const std::string failedDrive = FlatAdapter(Drive("Failed"));
+    struct Row {
+        const char* statusDisks;
+        int32_t expected;
+    };
+    const Row rows[] = {{"OK", 1}, {"ok", 1}, {"Warning", 2}, {"FAILED", 3}};
+    for (const Row& row : rows) {
+        DiskResult r = DiskStatus(WholeTree(
+            failedDrive, std::string("<StatusDisks>") + row.statusDisks + "</StatusDisks>"));
+        EXPECT_TRUE(r.result) << row.statusDisks;
+        EXPECT_EQ(r.status, row.expected) << row.statusDisks;
+    }
+}
+
+TEST(TLRaidDataDiskOverall, WithoutAWordTheWorstDriveCounts) {
+    struct Row {
+        std::string system;
+        std::string multiplexer;
+        bool result;
+        int32_t status;
+    };
+    const Row rows[] = {
+        {FlatAdapter(Drive("Rebuilding") + Drive("Failed")), "", true, 3},
+        {FlatAdapter(Drive("Rebuilding")) + FlatAdapter(Drive("Operational")), "", true, 2},
+        // A word that maps to nothing counts as none.
+        {FlatAdapter(Drive("Rebuilding")), "<StatusDisks>Unknown</StatusDisks>", true, 2},
+        // The SMART variants of Failed, Available and Offline say nothing.
+        {FlatAdapter(Drive("Failed SMART Error")), "", true, 0},
+        {FlatAdapter(Drive("Available SMART Error") + Drive("Offline - SMART Error")), "", true, 0},
+        {FlatAdapter(Drive("Failed SMART Error") + Drive("Operational")), "", true, 1},
+        {FlatAdapter(Drive("Unknown") + "<PhysicalDrive><Name>x</Name></PhysicalDrive>"), "", true,
+         0},
+        // No drive taken: false.
+        {FlatAdapter(""), "", false, 0},
+        {"", "", false, 0},
+    };
+    for (const Row& row : rows) {
+        DiskResult r = DiskStatus(WholeTree(row.system, row.multiplexer));
+        EXPECT_EQ(r.result, row.result) << row.system;
+        EXPECT_EQ(r.status, row.status) << row.system;
+    }
+}
+
+TEST(TLRaidDataDiskOverall, NoMultiplexerGivesFalseAndZero) {
+    DiskResult r = DiskStatus("<amEMTL Version=\"2\"><System>" + FlatAdapter(Drive("Failed")) +
+                              "</System></amEMTL>");
+    EXPECT_FALSE(r.result);
+    EXPECT_EQ(r.status, 0);
+}
+
+TEST(TLRaidDataDiskOverall, SampleTrees) {
+    struct Row {
+        const char* file;
+        bool result;
+        int32_t status;
+    };
+    const Row rows[] = {
+        {"smart-drives.xml", true, 2},  // no StatusDisks: from the drives
+        {"demo.xml", true, 1},
+        {"logical-drives.xml", true, 3},
+        {"batteries.xml", true, 1},  // StatusDisks OK, although no drive is there
+    };
+    for (const Row& row : rows) {
+        DiskResult r = DiskStatus(SampleTree(row.file));
+        EXPECT_EQ(r.result, row.result) << row.file;
+        EXPECT_EQ(r.status, row.status) << row.file;
+    }
+}
+
+TEST(TLRaidDataDiskOverall, TracesEachRise) {
+    ScopedTraceLevel level(3);
+    DiskResult r = DiskStatus(WholeTree(FlatAdapter(Drive("Operational") + Drive("Rebuilding") +
+                                                    Drive("Available") + Drive("Offline"))));
+    EXPECT_EQ(r.status, 3);
+    const std::string line =
+        "\nCTLRaidData         : GetPhysicalDiskOverallComponentStatus - new disk overall "
+        "component status = ";
+    EXPECT_EQ(Debug.Take(), line + "1" + line + "2" + line + "3");
+}
+
+std::string BatteryAdapter(const std::string& batteries) {
+    return "<Adapter><Status>OK</Status>" + batteries + "</Adapter>";
+}
+
+std::string Battery(const std::string& componentStatus) {
+    return "<Battery ComponentStatus=\"" + componentStatus + "\"><Status>Normal</Status></Battery>";
+}
+
+TEST(TLRaidDataBbuOverall, HighestComponentStatusOfEachAdaptersFirstBattery) {
+    struct Row {
+        std::string system;
+        bool result;
+        uint32_t status;
+    };
+    const Row rows[] = {
+        {BatteryAdapter(Battery("1")) + BatteryAdapter(Battery("3")), true, 3},
+        {BatteryAdapter(Battery("2")) + BatteryAdapter("") + BatteryAdapter(Battery("1")), true, 2},
+        // Only the first battery of an adapter is read.
+        {BatteryAdapter(Battery("1") + Battery("3")), true, 1},
+        // Compared as signed numbers: -1 leaves 0, and the result is still true.
+        {BatteryAdapter(Battery("-1")), true, 0},
+        {BatteryAdapter("<Battery><Status>Normal</Status></Battery>"), true, 0},
+        {BatteryAdapter(Battery("abc")), true, 0},
+        {BatteryAdapter(""), false, 0},
+        {"", false, 0},
+    };
+    for (const Row& row : rows) {
+        CTLRaidData tree;
+        tree.SetDoc(WholeTree(row.system));
+        uint32_t status = 77;
+        EXPECT_EQ(tree.GetBbuOverallComponentStatus(status), row.result) << row.system;
+        EXPECT_EQ(status, row.status) << row.system;
+    }
+    CTLRaidData broken;
+    broken.SetDoc(std::string("<amEMTL Version=\"2\"><Other/></amEMTL>"));
+    uint32_t status = 77;
+    EXPECT_FALSE(broken.GetBbuOverallComponentStatus(status));
+    EXPECT_EQ(status, 0u);
+}
+
+TEST(TLRaidDataBbuOverall, SampleTreeAndTrace) {
+    ScopedTraceLevel level(3);
+    CTLRaidData tree;
+    tree.SetDoc(SampleTree("batteries.xml"));
+    uint32_t status = 0;
+    EXPECT_TRUE(tree.GetBbuOverallComponentStatus(status));
+    EXPECT_EQ(status, 3u);
+    const std::string line =
+        "\nCTLRaidData         : GetBbuOverallComponentStatus - new BBU overall component "
+        "status = ";
+    EXPECT_EQ(Debug.Take(), "\nCTLRaidData         : GetBbuOverallComponentStatus" + line + "1" +
+                                line + "2" + line + "3");
+}
+
+}  // namespace

@@ -1,0 +1,164 @@
+// Sub-documents of the tree and of an adapter, the PCI address and the property reads.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "storage/TLRaidData.h"
+#include "storage/TreeText.h"
+
+namespace {
+
+// The root's tag and the text of one of its children, or "untouched".
+std::string Describe(CTLRaidData& doc, const char* child) {
+    doc.ResetPos();
+    if (!doc.FindElem()) {
+        return "";
+    }
+    std::string tag = doc.GetTagName();
+    if (tag == "Untouched") {
+        return "untouched";
+    }
+    doc.FindChildElem(child);
+    return tag + " " + doc.GetChildData();
+}
+
+TEST(TLRaidDataSubDocs, MultiplexerAndAdapters) {
+    CTLRaidData tree;
+    ASSERT_TRUE(tree.SetDoc(SampleTree("demo.xml")));
+    CTLRaidData out;
+    EXPECT_TRUE(tree.GetMultiplexerData(out));
+    EXPECT_EQ(Describe(out, "Status"), "Multiplexer Operational");
+    EXPECT_EQ(tree.GetAdapterCount(), 2u);
+    EXPECT_TRUE(tree.GetAdapterData(out, 1));
+    EXPECT_EQ(Describe(out, "Name"), "Adapter Onboard SATA RAID");
+    out.SetDoc(std::string("<Untouched/>"));
+    EXPECT_FALSE(tree.GetAdapterData(out, 2));
+    EXPECT_EQ(Describe(out, "Name"), "untouched");
+
+    const char* const broken[] = {"", "<amEMTL/>", "<amEMTL><Other/></amEMTL>",
+                                  "<System><Adapter/><Multiplexer/></System>"};
+    for (const char* text : broken) {
+        CTLRaidData doc;
+        doc.SetDoc(std::string(text));
+        EXPECT_EQ(doc.GetAdapterCount(), 0u) << text;
+        EXPECT_FALSE(doc.GetAdapterData(out, 0)) << text;
+        EXPECT_FALSE(doc.GetMultiplexerData(out)) << text;
+        EXPECT_EQ(Describe(out, "Name"), "untouched");
+    }
+}
+
+TEST(TLRaidDataSubDocs, LogicalDrivesAreTheAdaptersChildrenOnly) {
+    CTLRaidData tree;
+    ASSERT_TRUE(tree.SetDoc(SampleTree("demo.xml")));
+    CTLRaidData adapter;
+    ASSERT_TRUE(tree.GetAdapterData(adapter, 0));
+    CTLRaidData out;
+    EXPECT_TRUE(adapter.GetRaidLogicalDriveData(out, 1));
+    EXPECT_EQ(Describe(out, "MDCProgress"), "LogicalDrive 37");
+    // The back references under the drives' Layout elements are not logical drives.
+    EXPECT_FALSE(adapter.GetRaidLogicalDriveData(out, 2));
+
+    ASSERT_TRUE(tree.SetDoc(SampleTree("logical-drives.xml")));
+    ASSERT_TRUE(tree.GetAdapterData(adapter, 0));
+    EXPECT_TRUE(adapter.GetRaidLogicalDriveData(out, 6));
+    EXPECT_EQ(Describe(out, "Name"), "LogicalDrive New");
+    EXPECT_EQ(out.GetLogicalDriveStatus(), -1);
+}
+
+TEST(TLRaidDataSubDocs, OnlyTheFirstBatteryIsReachable) {
+    CTLRaidData tree;
+    ASSERT_TRUE(tree.SetDoc(SampleTree("batteries.xml")));
+    CTLRaidData adapter;
+    ASSERT_TRUE(tree.GetAdapterData(adapter, 1));  // two Battery elements
+    CTLRaidData battery;
+    battery.SetDoc(std::string("<Untouched/>"));
+    EXPECT_FALSE(adapter.GetBatteryData(battery, 1));
+    EXPECT_EQ(Describe(battery, "Name"), "untouched");
+    EXPECT_TRUE(adapter.GetBatteryData(battery, 0));
+    EXPECT_EQ(Describe(battery, "Status"), "Battery Charging");
+    EXPECT_EQ(battery.GetBatteryLearnCycleStatus(), 1);
+
+    ASSERT_TRUE(tree.GetAdapterData(adapter, 3));  // none
+    EXPECT_FALSE(adapter.GetBatteryData(battery, 0));
+}
+
+TEST(TLRaidDataPciAddress, ChildrenAreSearchedForwardInOrder) {
+    struct Row {
+        const char* children;
+        bool result;
+        int bus, device, function, segment;
+    };
+    const Row rows[] = {
+        {"<PCIBus>24</PCIBus><PCIDevice>3</PCIDevice><PCIFunction>1</PCIFunction>"
+         "<PCISegment>2</PCISegment>",
+         true, 24, 3, 1, 2},
+        {"<PCIBus>0</PCIBus><PCIDevice>31</PCIDevice>", true, 0, 31, 0, 0},
+        // The segment before the function is not found behind it.
+        {"<PCIBus>5</PCIBus><PCIDevice>6</PCIDevice><PCISegment>3</PCISegment>"
+         "<PCIFunction>4</PCIFunction>",
+         true, 5, 6, 4, 0},
+        // The device before the bus is not found at all.
+        {"<PCIDevice>6</PCIDevice><PCIBus>5</PCIBus>", false, 9, 9, 9, 9},
+        {"<PCIBus>5</PCIBus>", false, 9, 9, 9, 9},
+        {"<Name>x</Name>", false, 9, 9, 9, 9},
+        // Cut to 8 and 16 bits; text without digits is 0.
+        {"<PCIBus>300</PCIBus><PCIDevice>-1</PCIDevice><PCIFunction>x</PCIFunction>"
+         "<PCISegment>65537</PCISegment>",
+         true, 44, 255, 0, 1},
+    };
+    for (const Row& row : rows) {
+        CTLRaidData adapter;
+        ASSERT_TRUE(
+            adapter.SetDoc("<Adapter Nr=\"0\">" + std::string(row.children) + "</Adapter>"));
+        AdapterPciAddress address;
+        address.nBus = address.nDevice = address.nFunction = 9;
+        address.nSegment = 9;
+        EXPECT_EQ(adapter.GetAdapterPciAddress(address), row.result) << row.children;
+        EXPECT_EQ(address.nBus, row.bus) << row.children;
+        EXPECT_EQ(address.nDevice, row.device) << row.children;
+        EXPECT_EQ(address.nFunction, row.function) << row.children;
+        EXPECT_EQ(address.nSegment, row.segment) << row.children;
+    }
+}
+
+TEST(TLRaidDataProperties, EachReadLooksForItsOwnRoot) {
+    struct Read {
+        const char* root;
+        bool (CTLRaidData::*read)(std::string&, const char*);
+    };
+    const Read reads[] = {
+        {"PhysicalDrive", &CTLRaidData::GetPhysicalDriveProperty},
+        {"Port", &CTLRaidData::GetPortProperty},
+        {"LogicalDrive", &CTLRaidData::GetLogicalDriveProperty},
+        {"Battery", &CTLRaidData::GetBatteryProperty},
+        {"Enclosure", &CTLRaidData::GetEnclosureProperty},
+    };
+    for (const Read& r : reads) {
+        SCOPED_TRACE(r.root);
+        CTLRaidData doc;
+        ASSERT_TRUE(doc.SetDoc("<" + std::string(r.root) +
+                               " Name=\"attr\"><Name>first</Name><Vendor>V &amp; W</Vendor>"
+                               "<Name>second</Name><Empty/></" +
+                               r.root + ">"));
+        std::string value = "untouched";
+        EXPECT_TRUE((doc.*r.read)(value, "Name"));
+        EXPECT_EQ(value, "first");
+        EXPECT_TRUE((doc.*r.read)(value, "Vendor"));
+        EXPECT_EQ(value, "V & W");
+        EXPECT_TRUE((doc.*r.read)(value, "Empty"));
+        EXPECT_EQ(value, "");
+        value = "untouched";
+        EXPECT_FALSE((doc.*r.read)(value, "Missing"));
+        EXPECT_FALSE((doc.*r.read)(value, ""));
+        EXPECT_FALSE((doc.*r.read)(value, nullptr));
+        EXPECT_FALSE((doc.*r.read)(value, "name"));  // names respect case
+        EXPECT_EQ(value, "untouched");
+
+        CTLRaidData other;
+        ASSERT_TRUE(other.SetDoc(std::string("<Channel><Name>first</Name></Channel>")));
+        EXPECT_FALSE((other.*r.read)(value, "Name"));
+        EXPECT_EQ(value, "untouched");
+    }
+}
+
+}  // namespace
