@@ -23,8 +23,10 @@ endfunction()
 # tlr_test(<name> SOURCES ... [LIBS ...] [PREFIX <prefix>])
 # One GoogleTest binary; its cases are registered with ctest one by one, their names
 # preceded by PREFIX if given (so that "ctest -R <prefix>" selects them).
+# With SANDBOX, the binary runs inside build/sandbox with these options (may be empty:
+# give the keyword SANDBOX_DEFAULT then), so that its tests may change the host's paths.
 function(tlr_test name)
-  cmake_parse_arguments(ARG "" "PREFIX" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "SANDBOX_DEFAULT" "PREFIX" "SOURCES;LIBS;SANDBOX" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
@@ -33,6 +35,11 @@ function(tlr_test name)
   target_compile_definitions(${name} PRIVATE TLR_BUILD_DIR="${CMAKE_BINARY_DIR}"
                                              TLR_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gtest GTest::gtest_main Threads::Threads)
+  if(ARG_SANDBOX OR ARG_SANDBOX_DEFAULT)
+    set_target_properties(${name} PROPERTIES
+      CROSSCOMPILING_EMULATOR "${CMAKE_BINARY_DIR}/sandbox;${ARG_SANDBOX};--")
+    add_dependencies(${name} tlrcd-sim)
+  endif()
   gtest_discover_tests(${name} WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} DISCOVERY_TIMEOUT 60
                        TEST_PREFIX "${ARG_PREFIX}")
 endfunction()

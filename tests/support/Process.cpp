@@ -60,7 +60,7 @@ ProcessResult RunProcess(const std::vector<std::string>& argv, const std::string
 
 std::vector<std::string> InSandbox(const std::vector<std::string>& sandboxOptions,
                                    const std::vector<std::string>& argv) {
-    std::vector<std::string> command = {SourcePath("tools/sandbox/sandbox")};
+    std::vector<std::string> command = {BuildPath("sandbox")};
     command.insert(command.end(), sandboxOptions.begin(), sandboxOptions.end());
     command.push_back("--");
     command.insert(command.end(), argv.begin(), argv.end());

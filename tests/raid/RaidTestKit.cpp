@@ -1,0 +1,130 @@
+#include "RaidTestKit.h"
+
+#include <rapidjson/document.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include "support/Process.h"
+
+void FakeSwitch::Answer(uint32_t oc, const std::string& replyJson) {
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    m_Answers[oc] = replyJson;
+}
+
+int FakeSwitch::SendRequest(CIExtensionModule*, CommandRecord* record, uint32_t timeoutMs) {
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    m_Requests.push_back(record->ToJson());
+    m_nLastTimeout = timeoutMs;
+    auto it = m_Answers.find(record->GetField("OC", 0));
+    if (it == m_Answers.end())
+        return 0;
+    rapidjson::Document reply;
+    reply.Parse(it->second.c_str());
+    for (const char* name : {"ST", "DA"}) {
+        if (const rapidjson::Value* v = CommandRecord::FindMember(reply, name)) {
+            record->SetField(name, rapidjson::Value(*v, record->Document().GetAllocator()));
+        }
+    }
+    return 0;
+}
+
+int FakeSwitch::SendEvent(CIExtensionModule*, CommandRecord*) {
+    return 0;
+}
+
+std::vector<std::string> FakeSwitch::Requests() {
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    return m_Requests;
+}
+
+RaidTimings FastTimings() {
+    RaidTimings t;
+    t.nStartDetectWaitMs = 40;
+    t.nThreadDetectWaitMs = 40;
+    t.nProbeTimeoutSec = 5;
+    t.nInitTries = 5;
+    t.nInitWaitMs = 20;
+    t.nInitTimeoutSec = 5;
+    t.nStopPollEndedWaitMs = 2000;
+    t.nStopWaitMs = 50;
+    t.nSnapshotTries = 3;
+    t.nSnapshotTimeoutSec = 5;
+    t.nSnapshotRetrySleepSec = 0;
+    t.nSwitchRequestTimeoutMs = 5000;
+    t.nSwitchStartedTreeTimeoutSec = 5;
+    t.nPollIntervalMs = 100;
+    return t;
+}
+
+std::string SampleTree(const std::string& name) {
+    return ReadWholeFile(SourcePath("samples/trees/" + name));
+}
+
+void RaidModuleTest::SetUp() {
+    ASSERT_TRUE(sandbox_host::Inside()) << "run this test through build/sandbox";
+    m_sTreePath = m_Dir.Path() + "/tree.xml";
+    m_sControlPath = m_Dir.Path() + "/control.json";
+    m_sLogPath = m_Dir.Path() + "/requests.jsonl";
+    ReplaceFile(m_sTreePath, "");
+    sandbox_host::SetInstalled(false);
+    sandbox_host::SetRunning(false);
+}
+
+void RaidModuleTest::TearDown() {
+    if (m_pModule && m_bStarted)
+        m_pModule->Stop();
+    m_pModule.reset();
+    m_pSim.reset();
+}
+
+void RaidModuleTest::ServeSample(const std::string& sampleName) {
+    ServeTree(SampleTree(sampleName));
+    sandbox_host::SetInstalled(true);
+    sandbox_host::SetRunning(true);
+    StartSimulator();
+}
+
+void RaidModuleTest::StartSimulator() {
+    m_pSim = std::make_unique<SimProcess>(m_sTreePath, m_sControlPath, m_sLogPath);
+    ASSERT_TRUE(m_pSim->Ready()) << "the simulator did not start";
+}
+
+EM_TLRAID& RaidModuleTest::MakeModule(bool start) {
+    m_pModule = std::make_unique<EM_TLRAID>(FastTimings(), TLRAIDRestClientSettings());
+    if (start) {
+        m_pModule->Start(&m_Switch, 0);
+        m_bStarted = true;
+    }
+    return *m_pModule;
+}
+
+std::unique_ptr<CommandRecord> RaidModuleTest::Ask(uint32_t oc, uint32_t oe, uint32_t oi,
+                                                   uint32_t ci, const std::string& daJson) {
+    auto record = std::make_unique<CommandRecord>();
+    std::string command = "{\"OC\":" + std::to_string(oc) + ",\"OE\":" + std::to_string(oe) +
+                          ",\"OI\":" + std::to_string(oi) + ",\"CI\":" + std::to_string(ci);
+    if (!daJson.empty())
+        command += ",\"DA\":" + daJson;
+    record->SetJson("{\"SIP\":{\"V\":1,\"CMD\":[" + command + "}]}}");
+    m_pModule->ModuleRequest(record.get());
+    return record;
+}
+
+std::string RaidModuleTest::Answer(uint32_t oc, uint32_t oe, uint32_t oi, uint32_t ci,
+                                   const std::string& daJson) {
+    auto record = Ask(oc, oe, oi, ci, daJson);
+    const rapidjson::Value* cmd = record->Command(0);
+    std::string out = "{";
+    for (const char* name : {"ST", "DA"}) {
+        const rapidjson::Value* v = cmd ? CommandRecord::FindMember(*cmd, name) : nullptr;
+        if (!v)
+            continue;
+        rapidjson::StringBuffer buffer;
+        rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+        v->Accept(writer);
+        if (out.size() > 1)
+            out += ",";
+        out += std::string("\"") + name + "\":" + buffer.GetString();
+    }
+    return out + "}";
+}

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "frame/CommandRecord.h"
+#include "frame/Switch.h"
+#include "raid/EM_TLRAID.h"
+#include "support/SandboxHost.h"
+#include "support/TempDir.h"
+
+// A switch that keeps the requests and events it gets and answers requests by object code.
+class FakeSwitch : public ISwitch {
+  public:
+    explicit FakeSwitch(uint32_t type = 1) : m_nType(type) {}
+    // The answer's members ST and DA, as JSON text of an object.
+    void Answer(uint32_t oc, const std::string& replyJson);
+
+    int SendRequest(CIExtensionModule*, CommandRecord* record, uint32_t timeoutMs) override;
+    int SendEvent(CIExtensionModule*, CommandRecord* record) override;
+    uint32_t GetSwitchType() override { return m_nType; }
+
+    std::vector<std::string> Requests();
+    uint32_t LastTimeout() const { return m_nLastTimeout; }
+
+  private:
+    uint32_t m_nType;
+    std::mutex m_Mutex;
+    std::map<uint32_t, std::string> m_Answers;
+    std::vector<std::string> m_Requests;
+    uint32_t m_nLastTimeout = 0;
+};
+
+// Waits, tries and time-outs short enough for tests.
+RaidTimings FastTimings();
+
+// A module in the sandbox's host, with the simulator serving a tree file that the test may
+// replace, and the fault control file of the simulator.
+class RaidModuleTest : public ::testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // The RAID manager installed and running, the simulator serving this sample tree.
+    void ServeSample(const std::string& sampleName);
+    // Starts the simulator on the current tree file (and control file).
+    void StartSimulator();
+    void ServeTree(const std::string& xml) { ReplaceFile(m_sTreePath, xml); }
+    void SetFaults(const std::string& controlJson) { ReplaceFile(m_sControlPath, controlJson); }
+    size_t TreeRequests() const { return m_pSim ? m_pSim->Requests("/api/v1/sdt/vbmc") : 0; }
+
+    // A new module with the test timings, started on the fake switch unless told otherwise.
+    EM_TLRAID& MakeModule(bool start = true);
+    // Sends one request and gives back the answered record.
+    std::unique_ptr<CommandRecord> Ask(uint32_t oc, uint32_t oe = 0, uint32_t oi = 0,
+                                       uint32_t ci = 1, const std::string& daJson = "");
+    // The answer as compact JSON of the command's ST and DA: {"ST":0,"DA":...}.
+    std::string Answer(uint32_t oc, uint32_t oe = 0, uint32_t oi = 0, uint32_t ci = 1,
+                       const std::string& daJson = "");
+
+    TempDir m_Dir;
+    std::string m_sTreePath;
+    std::string m_sControlPath;
+    std::string m_sLogPath;
+    std::unique_ptr<SimProcess> m_pSim;
+    FakeSwitch m_Switch;
+    std::unique_ptr<EM_TLRAID> m_pModule;
+    bool m_bStarted = false;
+};
+
+std::string SampleTree(const std::string& name);

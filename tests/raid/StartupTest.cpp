@@ -1,0 +1,153 @@
+// Start and stop of the module against the sandbox's host: installation, service, first
+// valid tree, the wait thread and the polling thread.
+#include <chrono>
+#include <thread>
+
+#include "RaidTestKit.h"
+#include "frame/ExtensionModule.h"
+#include "support/CaptureTraceServer.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+bool Has(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+size_t Count(const std::string& text, const std::string& part) {
+    size_t n = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++n;
+    return n;
+}
+
+// Polls the trace until the text shows up or the time is over; gives all that was traced.
+std::string TraceUntil(const std::string& part, int timeoutMs) {
+    std::string seen;
+    auto end = Clock::now() + std::chrono::milliseconds(timeoutMs);
+    while (Clock::now() < end) {
+        seen += Debug.Take();
+        if (Has(seen, part))
+            break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return seen;
+}
+
+using StartupTest = RaidModuleTest;
+
+TEST_F(StartupTest, ServiceUpGivesTheFirstTreeAndStartsPolling) {
+    ScopedTraceLevel trace(5);
+    ServeSample("demo.xml");
+    EM_TLRAID& module = MakeModule(false);
+    EXPECT_EQ(module.Start(&m_Switch, 0), 1);
+    std::string t = Debug.Take();
+    EXPECT_TRUE(Has(t, "\nCOsInfo             : TessalineRaid is installed"));
+    EXPECT_TRUE(Has(t, "\nEM_TLRAID           : DetectTLRaid, TL RAID service is  started!"));
+    EXPECT_TRUE(Has(t, "\nEM_TLRAID           : INFO - NOT RunningOnServerStart"));
+    EXPECT_TRUE(Has(t, "\nEM_TLRAID           : Got valid TLRAID response"));
+    EXPECT_TRUE(Has(t, "Qualifier = (_StorageDeviceTreePollingThread)"));
+    EXPECT_TRUE(Has(t, "\n\n### Start of module EM_TLRAID completed successfully ###"));
+    // One tree for the probe, one for the first valid response.
+    EXPECT_EQ(TreeRequests(), 2u);
+
+    EXPECT_EQ(module.Stop(), 1);
+    t = Debug.Take();
+    EXPECT_TRUE(Has(t, "\nEM_TLRAID::StorageDeviceTreePolling - Thread TERMINATED ***"));
+    EXPECT_TRUE(Has(t, "\n\n### Stop of module EM_TLRAID completed successfully ###"));
+    m_bStarted = false;
+}
+
+TEST_F(StartupTest, NotInstalledStaysIdle) {
+    ScopedTraceLevel trace(2);
+    EM_TLRAID& module = MakeModule(false);
+    EXPECT_EQ(module.Start(&m_Switch, 0), 0);
+    m_bStarted = true;
+    std::string t = Debug.Take();
+    EXPECT_TRUE(Has(t, "\nCOsInfo             : TessalineRaid is NOT installed"));
+    EXPECT_TRUE(Has(t, "\nEM_TLRAID           : Tessaline RAID not installed!"));
+    EXPECT_TRUE(Has(t, "completed with ERRORS! ###"));
+    EXPECT_FALSE(Has(t, "CThread::Start"));
+    EXPECT_EQ(Answer(0x2110), "{\"ST\":19}");
+}
+
+TEST_F(StartupTest, WaitThreadFindsTheServiceWhenItComes) {
+    ScopedTraceLevel trace(3);
+    sandbox_host::SetInstalled(true);
+    ServeTree(SampleTree("demo.xml"));
+    EM_TLRAID& module = MakeModule(false);
+    auto started = Clock::now();
+    EXPECT_EQ(module.Start(&m_Switch, 0), 1);
+    m_bStarted = true;
+    std::string t = Debug.Take();
+    EXPECT_TRUE(Has(t, "DetectTLRaid, TL RAID service is NOT started!"));
+    EXPECT_TRUE(Has(t, "Qualifier = (_WaitForTLRaidStartThread)"));
+    // The first wait is free, nine more of 40 ms follow.
+    EXPECT_EQ(Count(t, "TL RAID service NOT running"), 10u);
+    EXPECT_LT(Clock::now() - started, std::chrono::seconds(5));
+
+    sandbox_host::SetRunning(true);
+    StartSimulator();
+    t = TraceUntil("Got valid TLRAID response", 10000);
+    EXPECT_TRUE(Has(t, "WaitForTLRaidStart_Thread TLRAID service running"));
+    EXPECT_TRUE(Has(t, "Got valid TLRAID response"));
+    EXPECT_EQ(Answer(0x2110), "{\"ST\":0,\"DA\":2}");
+}
+
+TEST_F(StartupTest, PidFileWithoutTheDaemonsPortCountsATry) {
+    ScopedTraceLevel trace(4);
+    ServeSample("demo.xml");
+    sandbox_host::SetLsof("tlrcd 2101 root 12 127.0.0.1 SOCKET_INET 0 TCP 127.0.0.1:443\n");
+    EM_TLRAID& module = MakeModule(false);
+    EXPECT_FALSE(module.DetectTLRaid(10, 3));
+    std::string t = Debug.Take();
+    EXPECT_EQ(Count(t, "TLRCD REST server NOT running"), 3u);
+    EXPECT_EQ(TreeRequests(), 0u);
+}
+
+TEST_F(StartupTest, TreeThatStaysInvalidIsAskedForEveryTry) {
+    ScopedTraceLevel trace(2);
+    ServeSample("mux-not-operational.xml");
+    EM_TLRAID& module = MakeModule(false);
+    EXPECT_EQ(module.Start(&m_Switch, 0), 0);
+    m_bStarted = true;
+    std::string t = Debug.Take();
+    EXPECT_EQ(Count(t, "Got invalid TLRAID response"), 5u);
+    EXPECT_EQ(TreeRequests(), 1u + 5u);
+    // The polling thread runs all the same.
+    EXPECT_TRUE(Has(t, "StorageDeviceTreePolling - Thread started."));
+}
+
+TEST_F(StartupTest, FailedRequestEndsTheFirstWaitAtOnce) {
+    ServeSample("mux-not-operational.xml");
+    SetFaults("{\"sdt\":{\"body\":\"not json\"}}");
+    EM_TLRAID& module = MakeModule(false);
+    EXPECT_FALSE(module.InitializeAfterTLRaidStart());
+    m_bStarted = true;  // the polling thread was started
+    EXPECT_EQ(TreeRequests(), 1u);
+}
+
+TEST_F(StartupTest, ShutdownBeforeStartMakesDetectionGiveUp) {
+    ScopedTraceLevel trace(2);
+    ServeSample("demo.xml");
+    EM_TLRAID& module = MakeModule(false);
+    module.OnNotify(SCN_SWITCH_SHUTDOWN, 0, nullptr);
+    EXPECT_EQ(module.Start(&m_Switch, 0), 1);
+    m_bStarted = true;
+    std::string t = Debug.Take();
+    EXPECT_TRUE(Has(t, "DetectTLRaid exiting bSuccess false"));
+    EXPECT_TRUE(Has(t, "Qualifier = (_WaitForTLRaidStartThread)"));
+    EXPECT_EQ(TreeRequests(), 0u);
+}
+
+TEST_F(StartupTest, StopWaitsItsFullTimeEvenWithoutAService) {
+    EM_TLRAID& module = MakeModule(false);
+    module.Start(&m_Switch, 0);
+    auto begin = Clock::now();
+    EXPECT_EQ(module.Stop(), 1);
+    EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(50));
+    EXPECT_TRUE(module.IsTerminating());
+}
+
+}  // namespace
