@@ -3,6 +3,8 @@
 #include <pthread.h>
 #include <signal.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <string>
 #include <thread>
@@ -80,13 +82,23 @@ int main(int argc, char** argv) {
     if (!server.Open(identity, error))
         return Fail(error.rfind("cannot open log", 0) == 0 ? kExitUsage : kExitServeFailed, error);
 
-    std::thread([&server, stopSignals] {
+    // A stop that comes before the accept loop runs is lost by the server, so the stop is
+    // repeated until the loop has ended.
+    std::atomic<bool> runDone{false};
+    std::thread stopper([&server, &runDone, stopSignals] {
         int signalNumber = 0;
         sigwait(&stopSignals, &signalNumber);
-        server.Stop();
-    }).detach();
+        while (!runDone) {
+            server.Stop();
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+    });
 
     fprintf(stderr, "tlrcd-sim: listening on https://%s:%d\n", options.sHost.c_str(),
             server.Port());
-    return server.Run() ? 0 : kExitServeFailed;
+    bool served = server.Run();
+    runDone = true;
+    pthread_kill(stopper.native_handle(), SIGTERM);  // wakes the stopper if it still waits
+    stopper.join();
+    return served ? 0 : kExitServeFailed;
 }
