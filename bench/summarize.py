@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Summarises a JSON run of xml_bench: the best time of each benchmark over its repetitions
-(the machine is shared, so the least disturbed run is the one to compare), the throughput it
-gives, and the ratio of CXmlDoc to pugixml per document size."""
+"""Summarises JSON runs of xml_bench: the best time of each benchmark over all repetitions of
+all runs given (the machine is shared, so the least disturbed run is the one to compare), the
+throughput it gives, and the ratio of CXmlDoc to pugixml per document size."""
 import json
 import sys
 from collections import defaultdict
@@ -9,13 +9,14 @@ from collections import defaultdict
 PARSERS = ["CXmlDoc", "pugixml", "libxml2", "tinyxml2"]
 
 
-def main(path):
-    with open(path) as f:
-        data = json.load(f)
+def main(paths):
+    runs = []
+    for path in paths:
+        with open(path) as f:
+            runs += json.load(f)["benchmarks"]
     best = {}
-    doc_bytes = {}
     counters = defaultdict(dict)
-    for run in data["benchmarks"]:
+    for run in runs:
         if run.get("run_type") != "iteration":
             continue
         name = run["run_name"] if "run_name" in run else run["name"]
@@ -53,4 +54,4 @@ def main(path):
 
 
 if __name__ == "__main__":
-    main(sys.argv[1])
+    main(sys.argv[1:])
