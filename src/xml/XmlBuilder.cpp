@@ -206,7 +206,10 @@ uint32_t CXmlDoc::ParseElements(uint32_t iPosTop, XmlScanner& scanner) {
             scanner.nOffset = nEnd;
             continue;
         }
-        int nType = TokenScan(scanner, token).Scan();
+        TokenScan scan(scanner, token);
+        int nType = p + 1 < nTextLength && XmlIs(pText[p + 1], kChNameStart)
+                        ? scan.ScanStartTagHere()
+                        : scan.Scan();
         if (nType == kTokStartTag) {
             uint32_t iPos = TakeRecord();
             ElemPos& elem = m_aPos[iPos];

@@ -15,6 +15,12 @@ class TokenScan {
         : m_s(scanner), m_t(token), m_p(scanner.pText), m_n(scanner.nTextLength) {}
 
     int Scan();
+    // The same for a cursor known to stand on '<' and a name's first byte: a start tag.
+    int ScanStartTagHere() {
+        m_t.nOffset = m_s.nOffset;
+        m_t.nFlags = 0;
+        return ScanStartTag();
+    }
 
   private:
     int Finish(int nType, uint32_t nEnd) {
