@@ -20,7 +20,7 @@ class StorageDocGen {
         gen.Text(3, "StatusDisks", "OK");
         gen.Text(3, "StatusLogicalDrives", "OK");
         gen.Line(2, "</Multiplexer>");
-        for (int nAdapter = 0; gen.m_s.size() < nTargetBytes; ++nAdapter) {
+        for (int nAdapter = 0; !gen.Full(nTargetBytes); ++nAdapter) {
             gen.Adapter(nAdapter, nTargetBytes);
         }
         gen.Line(1, "</System>");
@@ -29,6 +29,8 @@ class StorageDocGen {
     }
 
   private:
+    bool Full(size_t nTargetBytes) const { return m_s.size() >= nTargetBytes; }
+
     void Line(int nIndent, const std::string& s) {
         m_s.append(size_t(nIndent) * 2, ' ');
         m_s += s;
@@ -44,7 +46,7 @@ class StorageDocGen {
         Text(nIndent + 1, "Status", nDevice % 17 ? "Operational" : "Rebuilding");
         Text(nIndent + 1, "Type", nDevice % 3 ? "SAS" : "SATA");
         Text(nIndent + 1, "SerialNumber", "SN0K" + std::to_string(400000 + nDevice * 7));
-        Text(nIndent + 1, "EnclosureNumber", std::to_string(nDevice / 12));
+        Text(nIndent + 1, "EnclosureNumber", std::to_string(nDevice / 8));
         Text(nIndent + 1, "Name", "Disk &amp; Slot " + sDev);
         Text(nIndent + 1, "PhysicalSize", std::to_string(3815447ull + nDevice * 17ull));
         Text(nIndent + 1, "Vendor", "VENDOR");
@@ -68,10 +70,10 @@ class StorageDocGen {
         Text(3, "FirmwareVersion", "2.130.403-4660");
         Line(3, "<Ports>");
         int nDevice = 0;
-        for (int nPort = 0; nPort < 8 && m_s.size() < nTargetBytes; ++nPort) {
+        for (int nPort = 0; nPort < 8 && !Full(nTargetBytes); ++nPort) {
             Line(4, "<Port Type=\"SAS\" Nr=\"" + std::to_string(nPort) + "\" DeviceNumber=\"" +
                         std::to_string(nPort) + "\" NrOfProperties=\"3\">");
-            for (int i = 0; i < 4; ++i) {
+            for (int i = 0; i < 4 && (i == 0 || !Full(nTargetBytes)); ++i) {
                 Drive(5, nDevice++);
             }
             Line(5, "<Enclosure Name=\"Enclosure " + std::to_string(nPort) +
@@ -81,14 +83,14 @@ class StorageDocGen {
             Text(6, "FanStatus", "OK");
             Text(6, "TemperatureSensor", "31");
             Text(6, "PowerSupply", "OK");
-            for (int i = 0; i < 8; ++i) {
+            for (int i = 0; i < 4 && (i == 0 || !Full(nTargetBytes)); ++i) {
                 Drive(6, nDevice++);
             }
             Line(5, "</Enclosure>");
             Line(4, "</Port>");
         }
         Line(3, "</Ports>");
-        for (int nLd = 0; nLd < 4; ++nLd) {
+        for (int nLd = 0; nLd < 4 && (nLd == 0 || !Full(nTargetBytes)); ++nLd) {
             Line(3, "<LogicalDrive LogDriveNumber=\"" + std::to_string(nLd) +
                         "\" NrOfProperties=\"6\">");
             Text(4, "Status", "Operational");
