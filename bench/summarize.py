@@ -9,6 +9,10 @@ from collections import defaultdict
 PARSERS = ["CXmlDoc", "pugixml", "libxml2", "tinyxml2"]
 
 
+def micros(t):
+    return f"{t * 1e6:.1f} us" if t < 1e-4 else f"{t * 1e6:.0f} us"
+
+
 def main(paths):
     runs = []
     for path in paths:
@@ -39,9 +43,9 @@ def main(paths):
                 if t is None:
                     cells.append("-")
                 elif kind == "Parse":
-                    cells.append(f"{size_bytes / t / 1e6:.0f} MB/s ({t * 1e6:.0f} us)")
+                    cells.append(f"{size_bytes / t / 1e6:.0f} MB/s ({micros(t)})")
                 else:
-                    cells.append(f"{t * 1e6:.0f} us")
+                    cells.append(micros(t))
             t_ours, t_pugi = best.get(names["CXmlDoc"]), best.get(names["pugixml"])
             ratio = f"{t_pugi / t_ours:.2f}" if t_ours and t_pugi else "-"
             print(f"| {size_bytes / 1024:.0f} KiB | " + " | ".join(cells) + f" | {ratio} |")
