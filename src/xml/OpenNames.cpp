@@ -38,23 +38,13 @@ void OpenNames::CountKeys(std::string_view sName, int nDelta) {
     });
 }
 
-void OpenNames::Push(uint32_t nNameStart, uint32_t nNameLength, uint32_t iPos) {
-    m_aEntries.push_back({nNameStart, nNameLength, iPos});
-    if (m_bCounted) {
-        CountKeys(Name(m_aEntries.size() - 1), 1);
+void OpenNames::CountDown(size_t nSize) {
+    for (size_t i = nSize; i < m_aEntries.size(); ++i) {
+        CountKeys(Name(i), -1);
     }
 }
 
-void OpenNames::PopTo(size_t nSize) {
-    if (m_bCounted) {
-        for (size_t i = nSize; i < m_aEntries.size(); ++i) {
-            CountKeys(Name(i), -1);
-        }
-    }
-    m_aEntries.resize(nSize);
-}
-
-long OpenNames::Find(std::string_view sEndName) {
+long OpenNames::FindDeeper(std::string_view sEndName) {
     if (m_bCounted && m_KeyCounts.find(sEndName) == m_KeyCounts.end()) {
         return -1;
     }

@@ -19,15 +19,42 @@ class OpenNames {
 
     size_t Size() const { return m_aEntries.size(); }
     const Entry& operator[](size_t i) const { return m_aEntries[i]; }
+    const Entry& Top() const { return m_aEntries.back(); }
     std::string_view Name(size_t i) const {
         return {m_pText + m_aEntries[i].nNameStart, m_aEntries[i].nNameLength};
     }
-    void Push(uint32_t nNameStart, uint32_t nNameLength, uint32_t iPos);
-    void PopTo(size_t nSize);
+    void Push(uint32_t nNameStart, uint32_t nNameLength, uint32_t iPos) {
+        m_aEntries.push_back({nNameStart, nNameLength, iPos});
+        if (m_bCounted) {
+            CountKeys(Name(m_aEntries.size() - 1), 1);
+        }
+    }
+    void PopTo(size_t nSize) {
+        if (m_bCounted) {
+            CountDown(nSize);
+        }
+        m_aEntries.resize(nSize);
+    }
     // Index of the topmost entry that an end tag of this name closes, or -1 when none does.
-    long Find(std::string_view sEndName);
+    long Find(std::string_view sEndName) {
+        // Well-formed text closes the top one.
+        size_t n = m_aEntries.size();
+        if (n && !m_bCounted && m_aEntries[n - 1].nNameLength == sEndName.size()) {
+            const char* pTop = m_pText + m_aEntries[n - 1].nNameStart;
+            size_t i = 0;
+            while (i < sEndName.size() && pTop[i] == sEndName[i]) {
+                ++i;
+            }
+            if (i == sEndName.size()) {
+                return long(n - 1);
+            }
+        }
+        return FindDeeper(sEndName);
+    }
 
   private:
+    long FindDeeper(std::string_view sEndName);
+    void CountDown(size_t nSize);
     // An end tag name closes an entry whose name it equals, or a leading part of it that ends
     // in front of '=', '[' or ']'. Each such part is a key.
     template <class F>

@@ -1,8 +1,9 @@
 #include <cstring>
 
 #include "xml/OpenNames.h"
+#include "xml/XmlChars.h"
 #include "xml/XmlDoc.h"
-#include "xml/XmlScanner.h"
+#include "xml/XmlScanImpl.h"
 
 namespace {
 
@@ -10,6 +11,23 @@ namespace {
 constexpr size_t kReportLimit = 999;
 
 const ElemPos kNoRecord{};
+
+// Whether the end tag at p is "</" and exactly the name of the open element, then '>'.
+inline bool EndsInnermost(const char* pText, uint32_t p, uint32_t nTextLength,
+                          const OpenNames::Entry& open) {
+    uint32_t nEnd = p + 2 + open.nNameLength;
+    if (nEnd >= nTextLength || pText[nEnd] != '>') {
+        return false;
+    }
+    const char* pName = pText + open.nNameStart;
+    const char* pEnd = pText + p + 2;
+    for (uint32_t i = 0; i < open.nNameLength; ++i) {
+        if (pName[i] != pEnd[i]) {
+            return false;
+        }
+    }
+    return true;
+}
 
 }  // namespace
 
@@ -65,7 +83,7 @@ void CXmlDoc::InitIndex() {
     m_iPosFree = 1;
 }
 
-uint32_t CXmlDoc::TakeRecord() {
+uint32_t CXmlDoc::TakeRecordSlow() {
     if (m_iPosDeleted) {
         uint32_t iPos = m_iPosDeleted;
         m_iPosDeleted = m_aPos[iPos].iElemNext;
@@ -115,6 +133,9 @@ uint32_t CXmlDoc::ParseElements(uint32_t iPosTop, XmlScanner& scanner) {
     XmlToken token;
     uint32_t iPosCur = iPosTop;
     uint32_t iPosFirst = 0;
+    // First and last child of the current element, so that linking a new one reads no record.
+    uint32_t iPosCurFirst = m_aPos[iPosTop].iElemChild;
+    uint32_t iPosCurLast = iPosCurFirst ? m_aPos[iPosCurFirst].iElemPrev : 0;
 
     // Ends the open elements from the top of the stack down to nKeep (exclusive), deepest
     // first: each loses its end, and its children follow it as siblings.
@@ -163,13 +184,32 @@ uint32_t CXmlDoc::ParseElements(uint32_t iPosTop, XmlScanner& scanner) {
         // Text between markup makes no record: go straight to the next '<'.
         uint32_t p = scanner.nOffset;
         if (p < nTextLength && pText[p] != '<') {
-            const void* pLt = std::memchr(pText + p, '<', nTextLength - p);
-            if (!pLt) {
+            p = XmlFind(pText, p, nTextLength, '<');
+            if (p == nTextLength) {
                 break;
             }
-            scanner.nOffset = uint32_t(static_cast<const char*>(pLt) - pText);
+            scanner.nOffset = p;
         }
-        int nType = ScanToken(scanner, token);
+        if (names.Size() && p + 1 < nTextLength && pText[p + 1] == '/' &&
+            EndsInnermost(pText, p, nTextLength, names.Top())) {
+            // "</name>" of the innermost open element, the most common end tag, is taken in
+            // place: scanning it and searching the open names would give the same.
+            uint32_t iPos = names.Top().iPos;
+            uint32_t nEnd = p + 3 + names.Top().nNameLength;
+            ElemPos& elem = m_aPos[iPos];
+            elem.nLength = nEnd - elem.nStart;
+            elem.SetEndTagLen(nEnd - p);
+            names.PopTo(names.Size() - 1);
+            iPosCur = elem.iElemParent;
+            iPosCurLast = iPos;
+            iPosCurFirst = m_aPos[iPosCur].iElemChild;
+            scanner.nOffset = nEnd;
+            continue;
+        }
+        TokenScan scan(scanner, token);
+        int nType = p + 1 < nTextLength && XmlIs(pText[p + 1], kChNameStart)
+                        ? scan.ScanStartTagHere()
+                        : scan.Scan();
         if (nType == kTokStartTag) {
             uint32_t iPos = TakeRecord();
             ElemPos& elem = m_aPos[iPos];
@@ -180,16 +220,17 @@ uint32_t CXmlDoc::ParseElements(uint32_t iPosTop, XmlScanner& scanner) {
             elem.iElemParent = iPosCur;
             elem.iElemChild = 0;
             elem.iElemNext = 0;
-            if (!parent.iElemChild) {
+            if (!iPosCurFirst) {
                 parent.iElemChild = iPos;
                 elem.iElemPrev = iPos;
                 elem.nLevelFlags |= kElemFirst;
+                iPosCurFirst = iPos;
             } else {
-                ElemPos& first = m_aPos[parent.iElemChild];
-                elem.iElemPrev = first.iElemPrev;
-                m_aPos[first.iElemPrev].iElemNext = iPos;
-                first.iElemPrev = iPos;
+                elem.iElemPrev = iPosCurLast;
+                m_aPos[iPosCurLast].iElemNext = iPos;
+                m_aPos[iPosCurFirst].iElemPrev = iPos;
             }
+            iPosCurLast = iPos;
             if (!iPosFirst) {
                 iPosFirst = iPos;
             }
@@ -198,6 +239,7 @@ uint32_t CXmlDoc::ParseElements(uint32_t iPosTop, XmlScanner& scanner) {
             } else {
                 names.Push(scanner.nNameStart, scanner.NameLength(), iPos);
                 iPosCur = iPos;
+                iPosCurFirst = iPosCurLast = 0;
             }
         } else if (nType == kTokEndTag) {
             std::string_view sName(pText + scanner.nNameStart, scanner.NameLength());
@@ -219,7 +261,10 @@ uint32_t CXmlDoc::ParseElements(uint32_t iPosTop, XmlScanner& scanner) {
             elem.nLength = token.nOffset + token.nLength - elem.nStart;
             elem.SetEndTagLen(token.nLength);
             names.PopTo(size_t(nFound));
+            // It was the last child of its parent, and nothing was added there meanwhile.
             iPosCur = elem.iElemParent;
+            iPosCurLast = iPos;
+            iPosCurFirst = m_aPos[iPosCur].iElemChild;
         } else if (nType == kTokBad) {
             m_aPos[iPosTop].Set(kDocIllFormed);
             m_aPos[iPosCur].Set(kElemIllFormed);

@@ -98,7 +98,13 @@ class CXmlDoc {
     bool IsElem(uint32_t iPos) const { return iPos != 0 && IsValidPos(iPos); }
     const ElemPos& Rec(uint32_t iPos) const;  // a zero record for an invalid position
     ElemPos& RecW(uint32_t iPos) { return m_aPos[iPos]; }
-    uint32_t TakeRecord();
+    uint32_t TakeRecord() {
+        if (!m_iPosDeleted && m_iPosFree < m_aPos.Capacity()) {
+            return m_iPosFree++;
+        }
+        return TakeRecordSlow();
+    }
+    uint32_t TakeRecordSlow();  // from the free list, or after growing the index
     void InitIndex();
 
     // Builder

@@ -247,23 +247,4 @@ TEST(XmlEdit, ReportStopsGrowingPast999Bytes) {
     EXPECT_EQ(sResult, sFull);
 }
 
-TEST(XmlEdit, ManyAppendsKeepTheIndexRight) {
-    CXmlDoc doc;
-    ASSERT_TRUE(doc.AddElem("root"));
-    for (int i = 0; i < 2000; ++i) {
-        ASSERT_TRUE(doc.AddChildElem("e", std::to_string(i).c_str()));
-        ASSERT_TRUE(doc.SetAttrib(doc.GetChildPos(), "i", i));
-        if (i % 3 == 0) {
-            ASSERT_TRUE(doc.IntoElem());
-            ASSERT_TRUE(doc.AddChildElem("sub"));
-            ASSERT_TRUE(doc.OutOfElem());
-        }
-    }
-    EXPECT_TRUE(doc.IsWellFormed());
-    CheckSameAsParsed(doc);
-    doc.ResetPos();
-    ASSERT_TRUE(doc.FindChildElem("e[1234]"));
-    EXPECT_EQ(doc.GetAttrib(doc.GetChildPos(), "i"), "1233");
-}
-
 }  // namespace

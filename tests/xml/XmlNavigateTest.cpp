@@ -375,38 +375,6 @@ TEST(XmlNavigate, SavedNameIsOverwritten) {
     EXPECT_EQ(doc.GetTagName(), "b");
 }
 
-TEST(XmlNavigate, GarbagePositionsAreHarmless) {
-    CXmlDoc doc;
-    Load(doc, "<r><a>x</a></r>");
-    const uint32_t aPos[] = {0, 1, 2, 3, 1000, 0xFFFFFFFF};
-    for (uint32_t p : aPos) {
-        for (uint32_t m : aPos) {
-            for (uint32_t c : aPos) {
-                doc.SetPos(p, m, c);
-                doc.GetTagName();
-                doc.GetData(m);
-                doc.GetAttrib(c, "x");
-                doc.GetAttribName(0);
-                doc.GetSubDoc(m);
-                doc.GetElemPath();
-                doc.FindElem("//a");
-                doc.SetPos(p, m, c);
-                doc.FindElem();
-                doc.SetPos(p, m, c);
-                doc.FindChildElem("a[@x]");
-                doc.SetPos(p, m, c);
-                doc.FindPrevElem();
-                doc.SetPos(p, m, c);
-                doc.IntoElem();
-                doc.OutOfElem();
-                doc.SetPos(p, m, c);
-                doc.SavePos("g");
-                doc.RestorePos("g");
-            }
-        }
-    }
-}
-
 }  // namespace
 
 // The layout of the buckets of saved names.
