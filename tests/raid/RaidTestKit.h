@@ -11,6 +11,7 @@
 #include "frame/CommandRecord.h"
 #include "frame/Switch.h"
 #include "raid/EM_TLRAID.h"
+#include "storage/TLRaidData.h"
 #include "support/SandboxHost.h"
 #include "support/TempDir.h"
 

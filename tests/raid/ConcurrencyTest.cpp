@@ -1,0 +1,58 @@
+// Requests on many threads for many clients, with clients going and snapshots dropped
+// beside them, then a stop. Run under the thread sanitizer too (scripts/sanitize).
+#include <atomic>
+#include <set>
+#include <thread>
+#include <vector>
+
+#include "RaidTestKit.h"
+
+namespace {
+
+using ConcurrencyTest = RaidModuleTest;
+
+TEST_F(ConcurrencyTest, RequestsDetachesAndStopTogether) {
+    ServeSample("demo.xml");
+    EM_TLRAID& module = MakeModule();
+    constexpr int kRequesters = 6;
+    constexpr int kRequests = 30;
+    constexpr uint32_t kClients = 9;
+    const uint32_t codes[][3] = {{0x2110, 0, 0}, {0x2111, 0, 1}, {0x2131, 0, 3}, {0x2152, 1, 0},
+                                 {0x2163, 0, 0}, {0x2125, 0, 0}, {0x21DF, 0, 0}, {0x2190, 0, 0}};
+    std::atomic<int> unexpected{0};
+    std::atomic<bool> requestsDone{false};
+
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kRequesters; ++t) {
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < kRequests; ++i) {
+                const uint32_t* c = codes[(t + i) % std::size(codes)];
+                CommandRecord record;
+                record.SetJson("{\"SIP\":{\"CMD\":[{\"OC\":" + std::to_string(c[0]) + ",\"OE\":" +
+                               std::to_string(c[1]) + ",\"OI\":" + std::to_string(c[2]) +
+                               ",\"CI\":" + std::to_string((t * 7 + i) % kClients) + "}]}}");
+                module.ModuleRequest(&record);
+                uint32_t st = record.GetField("ST", 99);
+                if (st != 0)
+                    ++unexpected;
+            }
+        });
+    }
+    std::thread detacher([&] {
+        for (uint32_t i = 0; !requestsDone; ++i) {
+            module.ClientDetached(i % kClients);
+            if (i % 16 == 0)
+                module.ClearAllSnapshots();
+            std::this_thread::yield();
+        }
+    });
+    for (auto& t : threads)
+        t.join();
+    requestsDone = true;
+    detacher.join();
+    EXPECT_EQ(unexpected, 0);
+    EXPECT_EQ(module.Stop(), 1);
+    m_bStarted = false;
+}
+
+}  // namespace

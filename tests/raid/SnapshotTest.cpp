@@ -1,0 +1,93 @@
+// Client snapshots: each client reads its own tree, fetched once, until it renews it,
+// detaches, or its first fetch failed.
+#include "RaidTestKit.h"
+
+namespace {
+
+// A valid tree with this many adapters.
+std::string TreeWithAdapters(int adapters) {
+    std::string xml =
+        "<amEMTL Version=\"2\"><System><Multiplexer><Status>Operational</Status></Multiplexer>";
+    for (int i = 0; i < adapters; ++i)
+        xml += "<Adapter><Status>OK</Status></Adapter>";
+    return xml + "</System></amEMTL>";
+}
+
+class SnapshotTest : public RaidModuleTest {
+  protected:
+    void SetUp() override {
+        RaidModuleTest::SetUp();
+        ServeTree(TreeWithAdapters(2));
+        sandbox_host::SetInstalled(true);
+        sandbox_host::SetRunning(true);
+        StartSimulator();
+        MakeModule(false);
+    }
+    std::string Count(uint32_t ci) { return Answer(0x2110, 0, 0, ci); }
+};
+
+TEST_F(SnapshotTest, EachClientKeepsItsTreeUntilItAsksForANewOne) {
+    EXPECT_EQ(Count(1), R"({"ST":0,"DA":2})");
+    ServeTree(TreeWithAdapters(3));
+    EXPECT_EQ(Count(1), R"({"ST":0,"DA":2})");
+    EXPECT_EQ(Count(2), R"({"ST":0,"DA":3})");
+    EXPECT_EQ(TreeRequests(), 2u);
+
+    EXPECT_EQ(Answer(0x21DF, 0, 0, 1), R"({"ST":0})");
+    EXPECT_EQ(Count(1), R"({"ST":0,"DA":3})");
+    // Client 0 is a client like any other.
+    EXPECT_EQ(Count(0), R"({"ST":0,"DA":3})");
+    EXPECT_EQ(m_pModule->SnapshotCount(), 3u);
+}
+
+TEST_F(SnapshotTest, DetachedClientGetsAFreshTreeNextTime) {
+    EXPECT_EQ(Count(4), R"({"ST":0,"DA":2})");
+    ServeTree(TreeWithAdapters(1));
+    m_pModule->ClientDetached(4);
+    m_pModule->ClientDetached(99);  // unknown: nothing changes
+    EXPECT_EQ(m_pModule->SnapshotCount(), 0u);
+    EXPECT_EQ(Count(4), R"({"ST":0,"DA":1})");
+}
+
+TEST_F(SnapshotTest, FailedFirstFetchIsNotRetried) {
+    SetFaults(R"({"sdt":{"body":"not json"}})");
+    EXPECT_EQ(Count(5), R"({"ST":19})");
+    EXPECT_EQ(TreeRequests(), 1u);
+    SetFaults("{}");
+    EXPECT_EQ(Count(5), R"({"ST":19})");
+    EXPECT_EQ(TreeRequests(), 1u);
+    // A renewal makes the client whole again.
+    EXPECT_EQ(Answer(0x21DF, 0, 0, 5), R"({"ST":0})");
+    EXPECT_EQ(Count(5), R"({"ST":0,"DA":2})");
+}
+
+TEST_F(SnapshotTest, InvalidTreeIsFetchedForEveryTryThenKept) {
+    ServeTree("<amEMTL Version=\"1\"/>");
+    EXPECT_EQ(Count(6), R"({"ST":19})");
+    EXPECT_EQ(TreeRequests(), 3u);
+    EXPECT_EQ(Count(6), R"({"ST":19})");
+    EXPECT_EQ(TreeRequests(), 3u);
+}
+
+TEST_F(SnapshotTest, RenewalThatFailsAnswersSixAndLeavesAnEntry) {
+    SetFaults(R"({"sdt":{"body":""}})");
+    EXPECT_EQ(Answer(0x21DF, 0, 0, 8), R"({"ST":6})");
+    EXPECT_EQ(m_pModule->SnapshotCount(), 1u);
+    EXPECT_EQ(Count(8), R"({"ST":19})");
+    EXPECT_EQ(Answer(0x212A, 0, 0, 8), R"({"ST":6})");
+}
+
+TEST_F(SnapshotTest, AdapterIndexEqualToTheCountIsNotThere) {
+    CTLRaidData adapter;
+    EXPECT_TRUE(m_pModule->GetRaidAdapterData(adapter, 1, 1));
+    EXPECT_FALSE(m_pModule->GetRaidAdapterData(adapter, 1, 2));
+}
+
+TEST_F(SnapshotTest, ClearingDropsEveryClient) {
+    Count(1);
+    Count(2);
+    EXPECT_TRUE(m_pModule->ClearAllSnapshots());
+    EXPECT_EQ(m_pModule->SnapshotCount(), 0u);
+}
+
+}  // namespace
