@@ -42,69 +42,35 @@ void TraceRecord(uint32_t level, const char* tag, const CommandRecord& record) {
     if (!g_DebugClient.IsEnabled())
         return;
     uint32_t index = record.m_nCurrentCommand;
-    unsigned oc = record.GetField(index, "OC", 0);
-    unsigned oe = record.GetField(index, "OE", 0);
-    unsigned oi = record.GetField(index, "OI", 0);
     unsigned mi = record.GetField(index, "MI", 0);
-    unsigned st = record.GetField(index, "ST", CommandRecord::kDefaultStatus);
-    unsigned mid_hi = mi >> 16, mid_lo = mi & 0xFFFF;
-    bool withCa = record.HasField(index, "CA");
-    int ca = static_cast<int>(record.GetField(index, "CA", 0));
+
+    // The line: codes and ids, the cabinet where the record names one, then the data.
+    char head[160];
+    int n = snprintf(head, sizeof(head), "\n%-20s: OC 0x%04X-0x%04X OID 0x%04X", tag,
+                     record.GetField(index, "OC", 0), record.GetField(index, "OE", 0),
+                     record.GetField(index, "OI", 0));
+    if (n > 0 && record.HasField(index, "CA") && static_cast<size_t>(n) < sizeof(head)) {
+        n += snprintf(head + n, sizeof(head) - n, " CABID %04d",
+                      static_cast<int>(record.GetField(index, "CA", 0)));
+    }
+    if (n > 0 && static_cast<size_t>(n) < sizeof(head)) {
+        snprintf(head + n, sizeof(head) - n, " MID 0x%04X%04X Stat 0x%02X", mi >> 16, mi & 0xFFFF,
+                 record.GetField(index, "ST", CommandRecord::kDefaultStatus));
+    }
 
     const rapidjson::Value* entry = record.Command(index);
     const rapidjson::Value* data = entry ? CommandRecord::FindMember(*entry, "DA") : nullptr;
-
+    std::string tail;
     if (!record.HasData()) {
-        if (withCa) {
-            g_DebugClient.Trace(level,
-                                "\n%-20s: OC 0x%04X-0x%04X OID 0x%04X CABID %04d MID 0x%04X%04X "
-                                "Stat 0x%02X",
-                                tag, oc, oe, oi, ca, mid_hi, mid_lo, st);
-        } else {
-            g_DebugClient.Trace(level,
-                                "\n%-20s: OC 0x%04X-0x%04X OID 0x%04X MID 0x%04X%04X Stat 0x%02X",
-                                tag, oc, oe, oi, mid_hi, mid_lo, st);
-        }
+        // codes and status only
     } else if (data->IsNumber()) {
-        int value = static_cast<int>(record.GetField(index, "DA", 0));
-        if (withCa) {
-            g_DebugClient.Trace(level,
-                                "\n%-20s: OC 0x%04X-0x%04X OID 0x%04X CABID %04d MID 0x%04X%04X "
-                                "Stat 0x%02X Data %d",
-                                tag, oc, oe, oi, ca, mid_hi, mid_lo, st, value);
-        } else {
-            g_DebugClient.Trace(level,
-                                "\n%-20s: OC 0x%04X-0x%04X OID 0x%04X MID 0x%04X%04X Stat 0x%02X "
-                                "Data %d",
-                                tag, oc, oe, oi, mid_hi, mid_lo, st, value);
-        }
+        tail = " Data " + std::to_string(static_cast<int>(record.GetField(index, "DA", 0)));
     } else if (IsStruct(*data)) {
-        std::string json = CompactJson(*data);
-        if (withCa) {
-            g_DebugClient.Trace(level,
-                                "\n%-20s: OC 0x%04X-0x%04X OID 0x%04X CABID %04d MID 0x%04X%04X "
-                                "Stat 0x%02X Data (JSON struct):\n%s",
-                                tag, oc, oe, oi, ca, mid_hi, mid_lo, st, json.c_str());
-        } else {
-            g_DebugClient.Trace(level,
-                                "\n%-20s: OC 0x%04X-0x%04X OID 0x%04X MID 0x%04X%04X Stat 0x%02X "
-                                "Data (JSON struct):\n%s",
-                                tag, oc, oe, oi, mid_hi, mid_lo, st, json.c_str());
-        }
+        tail = " Data (JSON struct):\n" + CompactJson(*data);
     } else {
         std::vector<uint8_t> bytes;
         record.GetDataBytes(index, bytes);
-        int length = static_cast<int>(bytes.size());
-        if (withCa) {
-            g_DebugClient.Trace(level,
-                                "\n%-20s: OC 0x%04X-0x%04X OID 0x%04X CABID %04d MID 0x%04X%04X "
-                                "Stat 0x%02X Len %d",
-                                tag, oc, oe, oi, ca, mid_hi, mid_lo, st, length);
-        } else {
-            g_DebugClient.Trace(level,
-                                "\n%-20s: OC 0x%04X-0x%04X OID 0x%04X MID 0x%04X%04X Stat 0x%02X "
-                                "Len %d",
-                                tag, oc, oe, oi, mid_hi, mid_lo, st, length);
-        }
+        tail = " Len " + std::to_string(static_cast<int>(bytes.size()));
     }
+    g_DebugClient.Trace(level, "%s%s", head, tail.c_str());
 }

@@ -105,40 +105,33 @@ int CDebugClient::Initialize(const char* moduleName) {
     return 1;
 }
 
-void CDebugClient::CheckGlobalFile() {
-    if (m_GlobalReader.Path().empty())
-        return;
+bool CDebugClient::Reload(ConfigSectionReader& reader, const char* section) {
+    if (reader.Path().empty())
+        return false;
     struct stat st;
-    if (stat(m_GlobalReader.Path().c_str(), &st) != 0) {
-        m_GlobalReader.Clear();
-        return;
+    if (stat(reader.Path().c_str(), &st) != 0) {
+        // A file that went is forgotten for the life of the process.
+        reader.Clear();
+        return false;
     }
-    if (st.st_mtime <= m_GlobalReader.m_tModified)
-        return;
-    m_GlobalReader.m_tModified = st.st_mtime;
-    m_GlobalReader.m_nSize = st.st_size;
+    if (st.st_mtime <= reader.m_tModified)
+        return false;
+    reader.m_tModified = st.st_mtime;
+    reader.m_nSize = st.st_size;
+    // The held path is reused, so the file name given here is not looked at.
+    return reader.LocateSection(section, "", m_sConfigDir);
+}
+
+void CDebugClient::CheckGlobalFile() {
     uint32_t value = 0;
-    if (m_GlobalReader.LocateSection(kGlobalSection, kGlobalFile, m_sConfigDir) &&
-        m_GlobalReader.ReadKey("DynamicUpdate", value)) {
+    if (Reload(m_GlobalReader, kGlobalSection) && m_GlobalReader.ReadKey("DynamicUpdate", value)) {
         m_nDynamicUpdate = value;
         m_nUpdateInterval = value;
     }
 }
 
 void CDebugClient::CheckModuleFile() {
-    if (m_ModuleReader.Path().empty())
-        return;
-    struct stat st;
-    if (stat(m_ModuleReader.Path().c_str(), &st) != 0) {
-        m_ModuleReader.Clear();
-        return;
-    }
-    if (st.st_mtime <= m_ModuleReader.m_tModified)
-        return;
-    m_ModuleReader.m_tModified = st.st_mtime;
-    m_ModuleReader.m_nSize = st.st_size;
-    // The held path is reused, so the file name given here is not looked at.
-    if (m_ModuleReader.LocateSection(m_sModuleName.c_str(), "", m_sConfigDir))
+    if (Reload(m_ModuleReader, m_sModuleName.c_str()))
         ReadModuleKeys();
 }
 

@@ -44,6 +44,8 @@ class CDebugClient : public CDebugTraceConfig {
     void CheckConfigFiles();
     void CheckGlobalFile();
     void CheckModuleFile();
+    // Locates the section again in a followed file whose modification time grew.
+    bool Reload(ConfigSectionReader& reader, const char* section);
     void ReadModuleKeys();
     CITraceServer* ResolveServer();
     const char* ModuleNameForServer() const;

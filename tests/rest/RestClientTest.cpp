@@ -14,7 +14,7 @@
 
 #include "RunCommand.h"
 #include "TestRestClient.h"
-#include "TraceCapture.h"
+#include "support/CaptureTraceServer.h"
 
 namespace {
 
@@ -58,7 +58,7 @@ class RestClientTest : public ::testing::Test {
     static void SetUpTestSuite() {
         ASSERT_TRUE(EnableTracing(6)) << "the trace configuration of this host keeps tracing off";
     }
-    void SetUp() override { Debug.Take(); }
+    void SetUp() override { Debug.TakeMessages(); }
 };
 
 TEST_F(RestClientTest, HostIsTheFirstLineLessItsLastCharacter) {
@@ -83,7 +83,7 @@ TEST_F(RestClientTest, HostIsTheFirstLineLessItsLastCharacter) {
         std::string host = "untouched";
         EXPECT_EQ(client.GetMainServerIpAddress(host), row.ok);
         EXPECT_EQ(host, row.host);
-        EXPECT_TRUE(Traced(Debug.Take(), row.trace));
+        EXPECT_TRUE(Traced(Debug.TakeMessages(), row.trace));
     }
 }
 
@@ -95,7 +95,7 @@ TEST_F(RestClientTest, NoHostMeansNoRequestAndUntouchedOutput) {
     EXPECT_FALSE(client.SendRedfishRequest("{}", reply, 5));
     EXPECT_EQ(xml, "old tree");
     EXPECT_EQ(reply, "old reply");
-    const std::vector<std::string> messages = Debug.Take();
+    const std::vector<std::string> messages = Debug.TakeMessages();
     EXPECT_FALSE(Traced(messages, "SetAuthToken"));
     EXPECT_FALSE(Traced(messages, "SendGet"));
     EXPECT_FALSE(Traced(messages, "CrudMethod::POST"));
@@ -123,7 +123,7 @@ TEST_F(RestClientTest, AccessTokenIsTheFirstTopLevelStringMember) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.reply);
         EXPECT_EQ(client.GetAccessToken(row.reply), row.token);
-        const std::vector<std::string> messages = Debug.Take();
+        const std::vector<std::string> messages = Debug.TakeMessages();
         EXPECT_TRUE(Traced(messages, std::string("GetAccessToken [") + row.reply + "]"));
         EXPECT_EQ(Traced(messages, "GetAccessToken FOUND["), *row.token != '\0');
     }

@@ -19,7 +19,7 @@
 #include <thread>
 
 #include "TestRestClient.h"
-#include "TraceCapture.h"
+#include "support/CaptureTraceServer.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ void PrintStep(const std::string& step, bool ok, const std::string& out,
     writer.String(client.m_sAccessToken.c_str());
     writer.Key("trace");
     writer.StartArray();
-    for (const std::string& message : Debug.Take())
+    for (const std::string& message : Debug.TakeMessages())
         writer.String(message.c_str(), static_cast<rapidjson::SizeType>(message.size()));
     writer.EndArray();
     writer.EndObject();
@@ -63,7 +63,7 @@ int main(int argc, char** argv) {
         first = 3;
     }
     CTestRestClient client(settings);
-    Debug.Take();
+    Debug.TakeMessages();
     for (int i = first; i < argc; ++i) {
         const std::string step = argv[i];
         const size_t colon = step.find(':');

@@ -2,6 +2,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <vector>
 
 #include "runtime/DebugClient.h"
@@ -16,7 +17,7 @@ void CaptureTraceServer::Append(const char* format, va_list* args, const char* m
     std::vector<char> text(static_cast<size_t>(n > 0 ? n : 0) + 1);
     vsnprintf(text.data(), text.size(), format, *args);
     std::lock_guard<std::mutex> lock(m_Mutex);
-    m_sText.append(text.data(), static_cast<size_t>(n > 0 ? n : 0));
+    m_Messages.emplace_back(text.data(), static_cast<size_t>(n > 0 ? n : 0));
     m_sModuleName = moduleName ? moduleName : "(null)";
 }
 
@@ -29,10 +30,23 @@ void CaptureTraceServer::TraceMessage(const char* format, va_list* args, const c
 }
 
 std::string CaptureTraceServer::Take() {
-    std::lock_guard<std::mutex> lock(m_Mutex);
     std::string text;
-    text.swap(m_sText);
+    for (const std::string& message : TakeMessages())
+        text += message;
     return text;
+}
+
+std::vector<std::string> CaptureTraceServer::TakeMessages() {
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    std::vector<std::string> messages;
+    messages.swap(m_Messages);
+    return messages;
+}
+
+bool EnableTracing(int level) {
+    setenv("TL_LOG_DEBUG_LEVEL", std::to_string(level).c_str(), 1);
+    g_DebugClient.Initialize("EM_TLRAID");
+    return g_DebugClient.IsEnabled();
 }
 
 std::string CaptureTraceServer::LastModuleName() {

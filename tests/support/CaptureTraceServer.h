@@ -2,6 +2,7 @@
 
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "runtime/TraceServer.h"
 
@@ -18,17 +19,23 @@ class CaptureTraceServer : public CITraceServer {
 
     // Everything traced since the last Take, and forgets it.
     std::string Take();
+    // The same, one message at a time, oldest first.
+    std::vector<std::string> TakeMessages();
     std::string LastModuleName();
 
   private:
     void Append(const char* format, va_list* args, const char* moduleName);
 
     std::mutex m_Mutex;
-    std::string m_sText;
+    std::vector<std::string> m_Messages;
     std::string m_sModuleName;
 };
 
 extern CaptureTraceServer Debug;
+
+// Turns tracing on at a level for the process-wide client, as TL_LOG_DEBUG_LEVEL does at
+// load. False if the host's trace configuration keeps it off.
+bool EnableTracing(int level);
 
 // Sets the process-wide client's level for a test and restores it afterwards.
 class ScopedTraceLevel {

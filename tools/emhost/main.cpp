@@ -111,13 +111,13 @@ Options ParseOptions(int argc, char** argv) {
                 UsageError("--switch-type takes a number from 0 to 4294967295");
             }
         } else if (arg == "--answer") {
-            std::string spec = value("--answer");
-            size_t eq = spec.find('=');
+            std::string answer = value("--answer");
+            size_t eq = answer.find('=');
             uint32_t oc = 0;
-            if (eq == std::string::npos || !ParseU32(spec.substr(0, eq), oc)) {
+            if (eq == std::string::npos || !ParseU32(answer.substr(0, eq), oc)) {
                 UsageError("--answer takes OC=JSON, OC a number such as 8464 or 0x2110");
             }
-            o.answers.emplace_back(oc, spec.substr(eq + 1));
+            o.answers.emplace_back(oc, answer.substr(eq + 1));
         } else if (arg == "--trace") {
             o.trace = value("--trace");
         } else if (arg.size() > 1 && arg[0] == '-') {
