@@ -203,22 +203,21 @@ void CDebugClient::Trace(uint32_t level, const char* format, ...) {
     }
 }
 
+void CDebugClient::WriteToServer(const char* format, va_list* args) {
+    if (CITraceServer* server = ResolveServer())
+        server->Write(format, args, ModuleNameForServer());
+}
+
 void CDebugClient::Print(const char* format, ...) {
-    CITraceServer* server = ResolveServer();
-    if (!server)
-        return;
     va_list args;
     va_start(args, format);
-    server->Write(format, &args, ModuleNameForServer());
+    WriteToServer(format, &args);
     va_end(args);
 }
 
 void CDebugClient::PrintLevel(uint32_t, const char* format, ...) {
-    CITraceServer* server = ResolveServer();
-    if (!server)
-        return;
     va_list args;
     va_start(args, format);
-    server->Write(format, &args, ModuleNameForServer());
+    WriteToServer(format, &args);
     va_end(args);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdarg>
 #include <cstdint>
 #include <ctime>
 #include <string>
@@ -48,6 +49,8 @@ class CDebugClient : public CDebugTraceConfig {
     bool Reload(ConfigSectionReader& reader, const char* section);
     void ReadModuleKeys();
     CITraceServer* ResolveServer();
+    // Hands a message to the server's write operation, when there is a server.
+    void WriteToServer(const char* format, va_list* args);
     const char* ModuleNameForServer() const;
 
     std::atomic<uint32_t> m_nMemoryTracesFlag{0};
