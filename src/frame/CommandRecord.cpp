@@ -83,7 +83,7 @@ CommandRecord::CommandRecord(uint32_t oc, uint32_t oe, uint32_t oi, uint32_t ca,
 
 bool CommandRecord::SetJson(std::string_view text) {
     rapidjson::Document parsed;
-    parsed.Parse(text.data(), text.size());
+    parsed.Parse<rapidjson::kParseIterativeFlag>(text.data(), text.size());
     if (parsed.HasParseError())
         return false;
     m_Document.Swap(parsed);

@@ -60,6 +60,62 @@ TEST(EmhostTest, EveryLineGetsOneResultInOrder) {
     EXPECT_EQ(run.lines, want);
 }
 
+TEST(EmhostTest, DeeplyNestedLinesAreRefusedNotFollowed) {
+    std::string deep = "{\"SIP\":{\"CMD\":[{\"DA\":" + std::string(100000, '[') +
+                       std::string(100000, ']') + "}]}}";
+    auto run = RunEmhost({"{\"host\":\"create\"}", deep, "{\"host\":\"sleep\",\"ms\":0}"}, Probe());
+    EXPECT_EQ(run.process.exitCode, 0);
+    EXPECT_EQ(run.lines,
+              (std::vector<std::string>{"{\"host\":\"create\",\"ret\":1}",
+                                        "{\"error\":\"the line nests deeper than 512 levels\"}",
+                                        "{\"host\":\"sleep\",\"ret\":0}"}));
+}
+
+// Random lines of every shape, with members of every type, never crash the host: each gets
+// exactly one result line. (Actions that wait or start threads are left out.)
+TEST(EmhostTest, RandomLinesEachGetOneAnswer) {
+    const char* actions[] = {"create",   "delete",  "name",   "setup",  "info",
+                             "detected", "cabinet", "notify", "detach", "selist",
+                             "answer",   "request", "bogus"};
+    const char* members[] = {"action", "size", "nr",    "code",   "param",
+                             "ci",     "oc",   "reply", "record", "index"};
+    const char* values[] = {"0",
+                            "-1",
+                            "1",
+                            "246",
+                            "4294967295",
+                            "4294967296",
+                            "1e300",
+                            "2.5",
+                            "\"x\"",
+                            "null",
+                            "true",
+                            "[]",
+                            "{}",
+                            "{\"ST\":1,\"DA\":[1]}",
+                            "{\"SIP\":{\"CMD\":[{\"OC\":8464,\"DA\":{\"RAW\":[1,\"a\"]}}]}}",
+                            "-9223372036854775808",
+                            "18446744073709551615"};
+    uint32_t seed = 12345;
+    auto next = [&seed](size_t n) {
+        seed = seed * 1103515245u + 12345u;
+        return static_cast<size_t>((seed >> 8) % n);
+    };
+    std::vector<std::string> lines = {"{\"host\":\"create\"}"};
+    for (int i = 0; i < 400; ++i) {
+        std::string line = "{\"host\":\"" + std::string(actions[next(std::size(actions))]) + "\"";
+        for (size_t m = next(4); m > 0; --m) {
+            line += ",\"" + std::string(members[next(std::size(members))]) +
+                    "\":" + values[next(std::size(values))];
+        }
+        line += next(20) == 0 ? "" : "}";  // now and then a line cut short
+        lines.push_back(line);
+    }
+    auto run = RunEmhost(lines, Probe());
+    EXPECT_EQ(run.process.exitCode, 0) << run.process.err;
+    EXPECT_EQ(run.lines.size(), lines.size());
+}
+
 TEST(EmhostTest, RecordsComeBackWhole) {
     auto run =
         RunEmhost({"{\"host\":\"create\"}",

@@ -4,11 +4,17 @@
 
 #include <chrono>
 
+#include "JsonDepth.h"
 #include "frame/CommandRecord.h"
 
 bool HostSwitch::SetAnswer(uint32_t oc, const std::string& replyJson, std::string& error) {
+    constexpr size_t kMaxAnswerNesting = 512;
+    if (JsonNestingDepth(replyJson) > kMaxAnswerNesting) {
+        error = "the answer for object code " + std::to_string(oc) + " nests too deeply";
+        return false;
+    }
     rapidjson::Document reply;
-    reply.Parse(replyJson.c_str(), replyJson.size());
+    reply.Parse<rapidjson::kParseIterativeFlag>(replyJson.c_str(), replyJson.size());
     if (reply.HasParseError() || !reply.IsObject()) {
         error = "the answer for object code " + std::to_string(oc) + " is no JSON object";
         return false;

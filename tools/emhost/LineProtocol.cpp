@@ -13,6 +13,7 @@
 #include <thread>
 #include <vector>
 
+#include "JsonDepth.h"
 #include "JsonLine.h"
 #include "frame/CommandRecord.h"
 #include "frame/ExtensionModule.h"
@@ -26,6 +27,7 @@ constexpr int64_t kMaxBurstThreads = 256;
 constexpr int64_t kMaxBurstCalls = 10000000;
 constexpr int64_t kMaxWaitMs = 24LL * 3600 * 1000;
 constexpr int64_t kU32Max = 0xFFFFFFFFLL;
+constexpr size_t kMaxNesting = 512;
 
 // A line that can't be carried out; its text becomes the error line.
 struct ActionError : std::runtime_error {
@@ -134,10 +136,14 @@ LineProtocol::LineProtocol(HostOutput& output, HostSwitch& hostSwitch, ModuleLib
 bool LineProtocol::HandleLine(const std::string& line) {
     if (line.empty() || line[0] == '#')
         return true;
-    rapidjson::Document doc;
-    doc.Parse(line.c_str(), line.size());
     std::string result;
     try {
+        if (JsonNestingDepth(line) > kMaxNesting) {
+            throw ActionError("the line nests deeper than " + std::to_string(kMaxNesting) +
+                              " levels");
+        }
+        rapidjson::Document doc;
+        doc.Parse<rapidjson::kParseIterativeFlag>(line.c_str(), line.size());
         if (doc.HasParseError() || !doc.IsObject())
             throw ActionError("the line is no JSON object");
         if (CommandRecord::FindMember(doc, "SIP")) {
