@@ -10,6 +10,7 @@
 __attribute__((visibility("default"))) CaptureTraceServer Debug;
 
 void CaptureTraceServer::Append(const char* format, va_list* args, const char* moduleName) {
+    if (!format) return;
     va_list copy;
     va_copy(copy, *args);
     int n = vsnprintf(nullptr, 0, format, copy);
