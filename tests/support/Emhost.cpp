@@ -1,9 +1,31 @@
 #include "support/Emhost.h"
 
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
 #include "support/TempDir.h"
+
+namespace {
+constexpr char kElapsed[] = "\"ms\":";
+}
+
+std::string WithoutElapsed(const std::string& line) {
+    std::string out = line;
+    size_t at = out.find(kElapsed);
+    if (at == std::string::npos)
+        return out;
+    size_t digits = at + sizeof(kElapsed) - 1;
+    size_t end = out.find_first_not_of("0123456789", digits);
+    out.replace(digits, (end == std::string::npos ? out.size() : end) - digits, "T");
+    return out;
+}
+
+long ElapsedMs(const std::string& line) {
+    size_t at = line.find(kElapsed);
+    return at == std::string::npos ? -1
+                                   : strtol(line.c_str() + at + sizeof(kElapsed) - 1, nullptr, 10);
+}
 
 EmhostRun RunEmhost(const std::vector<std::string>& inputLines, const EmhostOptions& options) {
     TempDir dir;

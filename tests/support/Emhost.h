@@ -19,4 +19,9 @@ struct EmhostOptions {
     std::vector<std::string> env;     // NAME=VALUE set for emhost
 };
 
+// A result line with its elapsed milliseconds ("ms":N) shown as "ms":T, since they vary.
+std::string WithoutElapsed(const std::string& line);
+// The elapsed milliseconds of a result line, -1 without them.
+long ElapsedMs(const std::string& line);
+
 EmhostRun RunEmhost(const std::vector<std::string>& inputLines, const EmhostOptions& options = {});
