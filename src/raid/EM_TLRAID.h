@@ -60,6 +60,7 @@ class EM_TLRAID : public CExtensionModule {
   private:
     struct RequestContext;
     void StartPollingThread();
+    bool FetchFirstSnapshot(CTLRaidData& doc, uint32_t clientId, std::string& text);
     void StorageDeviceTreePolling();
     void Dispatch(CommandRecord& record, uint32_t& result);
 

@@ -12,68 +12,30 @@ bool EM_TLRAID::TLRaidDataGetSnapshot(CTLRaidData& doc, uint32_t clientId) {
     {
         CRecursiveLockGuard guard(m_TLRaidSnapshotLock);
         try {
-            TLR_TRACE(
-                4,
-                "\nEM_TLRAID (GetSnap) :   snapshot lock granted, return snapshot data of client "
-                "0x%08X (%d snapshots in list)...",
-                clientId, static_cast<int>(m_Snapshots.size()));
+            TLR_TRACE(4,
+                      "\nEM_TLRAID (GetSnap) :   snapshot lock granted, return snapshot data of "
+                      "client 0x%08X (%d snapshots in list)...",
+                      clientId, static_cast<int>(m_Snapshots.size()));
             auto found = m_Snapshots.find(clientId);
             if (found != m_Snapshots.end()) {
                 // An entry once made is not fetched again here, even when its text is no tree.
-                TLR_TRACE(
-                    4, "\nEM_TLRAID (GetSnap) :   snapshot found, return RAID data from snapshot");
+                TLR_TRACE(4,
+                          "\nEM_TLRAID (GetSnap) :   snapshot found, return RAID data from "
+                          "snapshot");
                 doc.SetDoc(found->second);
                 result = doc.IsValid();
             } else {
                 TLR_TRACE(4, "\nEM_TLRAID (GetSnap) :   new TLRAID snapshot created");
-                std::string& text = m_Snapshots[clientId];
-                if (!m_bSwitchShutdown) {
-                    for (uint32_t attempt = 1; attempt <= m_Timings.nSnapshotTries; ++attempt) {
-                        TLR_TRACE(4,
-                                  "\nEM_TLRAID (GetSnap) : CID 0x%08X: Check TLRAID XML snpashot "
-                                  "(Retry: %d)",
-                                  clientId, static_cast<int>(attempt));
-                        std::string xml;
-                        if (!m_RestClient.GetXmlSdt(xml, m_Timings.nSnapshotTimeoutSec))
-                            break;
-                        text = xml;
-                        doc.SetDoc(text);
-                        TLR_TRACE(
-                            6, "\nEM_TLRAID (GetSnap) : CID 0x%08X: TLRAID XML snapshot data: \n%s",
-                            clientId, text.c_str());
-                        if (doc.IsValid()) {
-                            TLR_TRACE(2,
-                                      "\nEM_TLRAID (GetSnap) : CID 0x%08X: Got valid TLRAID XML "
-                                      "snpashot",
-                                      clientId);
-                            result = true;
-                            break;
-                        }
-                        TLR_TRACE(
-                            2,
-                            "\nEM_TLRAID (GetSnap) : CID 0x%08X: Got invalid TLRAID XML snapshot",
-                            clientId);
-                        TLR_TRACE(3,
-                                  "\nEM_TLRAID (GetSnap) : CID 0x%08X: Wait one second before next "
-                                  "try ...",
-                                  clientId);
-                        // A plain sleep under the lock: Stop doesn't shorten it.
-                        sleep(m_Timings.nSnapshotRetrySleepSec);
-                        TLR_TRACE(3, "\nEM_TLRAID (GetSnap) : CID 0x%08X: ... woke up from wait",
-                                  clientId);
-                        if (m_bSwitchShutdown)
-                            break;
-                    }
-                }
-                TLR_TRACE(
-                    3,
-                    "\nEM_TLRAID (GetSnap) : CID 0x%08X: Added TLRAID snapshot (%u snapshots in "
-                    "list)",
-                    clientId, static_cast<unsigned>(m_Snapshots.size()));
+                result = FetchFirstSnapshot(doc, clientId, m_Snapshots[clientId]);
+                TLR_TRACE(3,
+                          "\nEM_TLRAID (GetSnap) : CID 0x%08X: Added TLRAID snapshot (%u "
+                          "snapshots in list)",
+                          clientId, static_cast<unsigned>(m_Snapshots.size()));
             }
         } catch (...) {
             TLR_TRACE(1,
-                      "\nEM_TLRAID (GetSnap) : CID 0x%08X: ERROR! Exception in GetRaidDataSnapshot",
+                      "\nEM_TLRAID (GetSnap) : CID 0x%08X: ERROR! Exception in "
+                      "GetRaidDataSnapshot",
                       clientId);
             result = false;
         }
@@ -81,6 +43,39 @@ bool EM_TLRAID::TLRaidDataGetSnapshot(CTLRaidData& doc, uint32_t clientId) {
     TLR_TRACE(4, "\nEM_TLRAID (GetSnap) :   released snapshot lock");
     TLR_TRACE(5, "\nEM_TLRAID (GetSnap) : <- TLRaidDataGetSnapshot (CTLRaidData)");
     return result;
+}
+
+// The tries of a client's first fetch, under the snapshot lock. The text of the last try
+// stays in the entry, valid or not.
+bool EM_TLRAID::FetchFirstSnapshot(CTLRaidData& doc, uint32_t clientId, std::string& text) {
+    if (m_bSwitchShutdown)
+        return false;
+    for (uint32_t attempt = 1; attempt <= m_Timings.nSnapshotTries; ++attempt) {
+        TLR_TRACE(4, "\nEM_TLRAID (GetSnap) : CID 0x%08X: Check TLRAID XML snpashot (Retry: %d)",
+                  clientId, static_cast<int>(attempt));
+        std::string xml;
+        if (!m_RestClient.GetXmlSdt(xml, m_Timings.nSnapshotTimeoutSec))
+            return false;
+        text = xml;
+        doc.SetDoc(text);
+        TLR_TRACE(6, "\nEM_TLRAID (GetSnap) : CID 0x%08X: TLRAID XML snapshot data: \n%s", clientId,
+                  text.c_str());
+        if (doc.IsValid()) {
+            TLR_TRACE(2, "\nEM_TLRAID (GetSnap) : CID 0x%08X: Got valid TLRAID XML snpashot",
+                      clientId);
+            return true;
+        }
+        TLR_TRACE(2, "\nEM_TLRAID (GetSnap) : CID 0x%08X: Got invalid TLRAID XML snapshot",
+                  clientId);
+        TLR_TRACE(3, "\nEM_TLRAID (GetSnap) : CID 0x%08X: Wait one second before next try ...",
+                  clientId);
+        // A plain sleep under the lock: Stop doesn't shorten it.
+        sleep(m_Timings.nSnapshotRetrySleepSec);
+        TLR_TRACE(3, "\nEM_TLRAID (GetSnap) : CID 0x%08X: ... woke up from wait", clientId);
+        if (m_bSwitchShutdown)
+            return false;
+    }
+    return false;
 }
 
 bool EM_TLRAID::TLRaidDataUpdateSnapshot(uint32_t clientId) {
