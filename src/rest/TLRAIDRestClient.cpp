@@ -54,18 +54,22 @@ TLRAIDRestClient::~TLRAIDRestClient() {
     curl_global_cleanup();
 }
 
+bool TLRAIDRestClient::FindDaemonAndLogIn(std::string& host) {
+    if (!GetMainServerIpAddress(host) || host.empty())
+        return false;
+    // A failed exchange leaves an empty access token; the request goes out all the same.
+    SetAuthToken(tlr_rest::kScheme + host + m_sAuthPath);
+    return true;
+}
+
 bool TLRAIDRestClient::GetXmlSdt(std::string& xml, uint32_t timeoutSec) {
     CurlGlobalCleanupAtEnd cleanup;
     TLR_TRACE(5, "\nTLRAIDRestClient::GetXmlSdt");
 
     std::string host;
-    if (!GetMainServerIpAddress(host) || host.empty())
+    if (!FindDaemonAndLogIn(host))
         return false;
-    const std::string authUrl = tlr_rest::kScheme + host + m_sAuthPath;
     const std::string sdtUrl = tlr_rest::kScheme + host + m_sSdtPath;
-
-    // A failed exchange leaves an empty access token; the GET goes out all the same.
-    SetAuthToken(authUrl);
 
     std::string reply;
     if (SendGet(sdtUrl, reply, timeoutSec) != 0) {
@@ -100,12 +104,9 @@ bool TLRAIDRestClient::SendRedfishRequest(const std::string& body, std::string& 
     TLR_TRACE(5, "\nTLRAIDRestClient::GetXmlSdt");
 
     std::string host;
-    if (!GetMainServerIpAddress(host) || host.empty())
+    if (!FindDaemonAndLogIn(host))
         return false;
-    const std::string authUrl = tlr_rest::kScheme + host + m_sAuthPath;
     const std::string redfishUrl = tlr_rest::kScheme + host + m_sRedfishPath;
-
-    SetAuthToken(authUrl);
     TLR_TRACE(5, "\nTLRAIDRestClient::SendRedfishRequest: sending Redfish request");
     if (SendPost(redfishUrl, body, reply, timeoutSec) != 0) {
         TLR_TRACE(2, "\nTLRAIDRestClient::SendRedfishRequest: REST request failed");

@@ -36,6 +36,8 @@ class TLRAIDRestClient {
     bool SendRedfishRequest(const std::string& body, std::string& reply, uint32_t timeoutSec);
 
   protected:
+    // Finds the daemon and trades the JWT for an access token; false when no host was found.
+    bool FindDaemonAndLogIn(std::string& host);
     // True when the lsof pipeline named a non-empty host.
     bool GetMainServerIpAddress(std::string& host);
     // Trades the JWT for an access token at url; the token, or empty, goes to m_sAccessToken.

@@ -10,7 +10,8 @@
 __attribute__((visibility("default"))) CaptureTraceServer Debug;
 
 void CaptureTraceServer::Append(const char* format, va_list* args, const char* moduleName) {
-    if (!format) return;
+    if (!format)
+        return;
     va_list copy;
     va_copy(copy, *args);
     int n = vsnprintf(nullptr, 0, format, copy);
