@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <map>
+#include <mutex>
 #include <string>
 
 #include "frame/ExtensionModule.h"
@@ -92,4 +93,6 @@ class EM_TLRAID : public CExtensionModule {
     std::atomic<bool> m_bAgentlessSwitch{false};
 
     RaidTimings m_Timings;
+    // Orders Stop against a wait thread that starts the polling thread at the same moment.
+    std::mutex m_PollingStartLock;
 };

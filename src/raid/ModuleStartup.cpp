@@ -66,11 +66,16 @@ int EM_TLRAID::Start(ISwitch* pSwitch, uint32_t param) {
 int EM_TLRAID::Stop() {
     TLR_TRACE(1, "%s", kDashes);
     TLR_TRACE(1, "\n### Stopping module %s ###\n", kModuleName);
-    m_isTerminating = true;
-    m_evRetryWait.Set();
-    m_evSwitchStarted.Set();
-    m_evStopRequest.Set();
-    m_evPollWake.Set();
+    {
+        // The wait thread may be starting the polling thread right now: either the thread
+        // is there before the wake-up below, or it is not started at all.
+        std::lock_guard<std::mutex> guard(m_PollingStartLock);
+        m_isTerminating = true;
+        m_evRetryWait.Set();
+        m_evSwitchStarted.Set();
+        m_evStopRequest.Set();
+        m_evPollWake.Set();
+    }
     pthread_t polling = m_PollingThread.Handle();
     int policy = 0;
     struct sched_param param;
@@ -228,8 +233,13 @@ bool EM_TLRAID::InitializeAfterTLRaidStart() {
     m_bAdaptersPresent = adapters != 0;
     // The enclosure map is set up here from the tree when it holds adapters.
 
-    m_evPollWake.SetAttributes(false, false);
-    StartPollingThread();
+    {
+        std::lock_guard<std::mutex> guard(m_PollingStartLock);
+        if (!m_isTerminating) {
+            m_evPollWake.SetAttributes(false, false);
+            StartPollingThread();
+        }
+    }
     TLR_TRACE(5, "\nEM_TLRAID           : <- InitializeAfterTLRaidStart()");
     return valid;
 }

@@ -90,7 +90,7 @@ TEST_F(StartupTest, WaitThreadFindsTheServiceWhenItComes) {
 
     sandbox_host::SetRunning(true);
     StartSimulator();
-    t = TraceUntil("Got valid TLRAID response", 10000);
+    t = TraceUntil("StorageDeviceTreePolling - Thread started.", 10000);
     EXPECT_TRUE(Has(t, "WaitForTLRaidStart_Thread TLRAID service running"));
     EXPECT_TRUE(Has(t, "Got valid TLRAID response"));
     EXPECT_EQ(Answer(0x2110), "{\"ST\":0,\"DA\":2}");
