@@ -141,15 +141,15 @@ CEvent::CEvent(bool signaled, bool manual, const char* name) {
         EventListLock().Unlock();
     }
     m_pState = state.release();
-    TLR_TRACE(5, "creating event %p <%s> (IsSignaled=%d)\n", static_cast<void*>(m_pState),
-              m_pState->DisplayName(), m_pState->IsSignaled.load());
+    CEventState* created = m_pState;
+    TLR_TRACE(5, "creating event %p <%s> (IsSignaled=%d)\n", static_cast<void*>(created),
+              created->DisplayName(), created->IsSignaled.load());
 }
 
 CEvent::~CEvent() {
-    if (!m_pState)
+    CEventState* s = m_pState.exchange(nullptr);
+    if (!s)
         return;
-    CEventState* s = m_pState;
-    m_pState = nullptr;
     EventListLock().Lock();
     if (s->refCount != 1) {
         --s->refCount;
@@ -184,9 +184,10 @@ CEvent::~CEvent() {
 }
 
 bool CEvent::SetAttributes(bool signaled, bool manual) {
-    if (m_bClosed || !m_pState)
+    CEventState* state = m_pState;
+    if (m_bClosed || !state)
         return false;
-    CEventState& s = *m_pState;
+    CEventState& s = *state;
     if (s.waiters != 0)
         return false;
     if (s.IsSignaled == signaled && s.IsManual == manual)
@@ -202,9 +203,10 @@ bool CEvent::SetAttributes(bool signaled, bool manual) {
 }
 
 bool CEvent::Set() {
-    if (m_bClosed || !m_pState)
+    CEventState* state = m_pState;
+    if (m_bClosed || !state)
         return false;
-    CEventState& s = *m_pState;
+    CEventState& s = *state;
     bool locked = pthread_mutex_lock(&s.mutex) == 0;
     TLR_TRACE(5, "Set event %p <%s> IsSignaled=%d --> IsSignaled=1\n", static_cast<void*>(&s),
               s.DisplayName(), s.IsSignaled.load());
@@ -217,9 +219,10 @@ bool CEvent::Set() {
 }
 
 int CEvent::Wait(uint32_t timeoutMs, bool trace) {
-    if (m_bClosed || !m_pState)
+    CEventState* state = m_pState;
+    if (m_bClosed || !state)
         return kWaitFailed;
-    CEventState& s = *m_pState;
+    CEventState& s = *state;
     if (trace) {
         if (timeoutMs != kWaitForever) {
             TLR_TRACE(5, "\nwaiting %dms on event %p", static_cast<int>(timeoutMs),
@@ -280,14 +283,16 @@ int CEvent::Wait(uint32_t timeoutMs, bool trace) {
 }
 
 uint32_t CEvent::RefCount() const {
-    return m_pState ? m_pState->refCount : 0;
+    CEventState* state = m_pState;
+    return state ? state->refCount : 0;
 }
 
 uint32_t CEvent::Waiters() const {
-    if (!m_pState)
+    CEventState* state = m_pState;
+    if (!state)
         return 0;
-    pthread_mutex_lock(&m_pState->mutex);
-    uint32_t n = m_pState->waiters;
-    pthread_mutex_unlock(&m_pState->mutex);
+    pthread_mutex_lock(&state->mutex);
+    uint32_t n = state->waiters;
+    pthread_mutex_unlock(&state->mutex);
     return n;
 }

@@ -2,6 +2,7 @@
 
 #include <pthread.h>
 
+#include <atomic>
 #include <cstdint>
 
 struct CEventState;
@@ -35,7 +36,9 @@ class CEvent {
     uint32_t Waiters() const;
 
   private:
-    CEventState* m_pState = nullptr;
+    // Read by every thread that uses the event, cleared by the destructor: a thread may still
+    // be on its way out of Set when the owner, having seen it end, destroys the handle.
+    std::atomic<CEventState*> m_pState{nullptr};
     bool m_bClosed = false;
 };
 
