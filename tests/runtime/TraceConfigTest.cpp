@@ -4,6 +4,7 @@
 #include <utime.h>
 
 #include <cstdlib>
+#include <memory>
 #include <string>
 
 #include "runtime/DebugClient.h"
@@ -38,6 +39,22 @@ class TraceEnvironment : public ::testing::Test {
         g_tNow = 1000000;
     }
     void TearDown() override { SetUp(); }
+
+    // A client following global_trace.ini at this level, changed last at time 5000, with
+    // dynamic update every interval seconds.
+    std::unique_ptr<CDebugClient> Following(const char* interval, const char* level) {
+        setenv("TL_LOG_DYNAMIC_UPDATE", interval, 1);
+        Rewrite(level, 5000);
+        auto client = std::make_unique<CDebugClient>(m_Dir.Path().c_str(), FakeClock);
+        client->Initialize(kModule);
+        return client;
+    }
+    // Writes the file anew at this level and modification time.
+    std::string Rewrite(const char* level, time_t modified) {
+        std::string path = m_Dir.Write("global_trace.ini", ModuleFile(level));
+        SetModified(path, modified);
+        return path;
+    }
 
     uint32_t LevelFor(const std::string& dir) {
         CDebugClient client(dir.c_str(), FakeClock);
@@ -143,73 +160,54 @@ TEST_F(TraceEnvironment, PrintIgnoresTheLevel) {
 
 TEST_F(TraceEnvironment, DynamicUpdateReplacesTheEnvironmentLevel) {
     setenv("TL_LOG_DEBUG_LEVEL", "4", 1);
-    setenv("TL_LOG_DYNAMIC_UPDATE", "10", 1);
-    std::string path = m_Dir.Write("global_trace.ini", ModuleFile("2"));
-    SetModified(path, 5000);
-    CDebugClient client(m_Dir.Path().c_str(), FakeClock);
-    client.Initialize(kModule);
-    EXPECT_EQ(client.m_nLevel, 4u);
-    EXPECT_EQ(client.m_nUpdateInterval, 10u);
+    auto client = Following("10", "2");
+    EXPECT_EQ(client->m_nLevel, 4u);
+    EXPECT_EQ(client->m_nUpdateInterval, 10u);
 
     g_tNow += 10;
-    client.Trace(6, "x");  // due, but the file has not changed
-    EXPECT_EQ(client.m_nLevel, 4u);
+    client->Trace(6, "x");  // due, but the file has not changed
+    EXPECT_EQ(client->m_nLevel, 4u);
 
-    SetModified(path, 6000);
+    SetModified(m_Dir.Path() + "/global_trace.ini", 6000);
     g_tNow += 5;
-    client.Trace(6, "x");  // changed, but not due yet
-    EXPECT_EQ(client.m_nLevel, 4u);
+    client->Trace(6, "x");  // changed, but not due yet
+    EXPECT_EQ(client->m_nLevel, 4u);
     g_tNow += 5;
-    client.Trace(6, "x");
-    EXPECT_EQ(client.m_nLevel, 2u);
-    EXPECT_EQ(client.m_nLevelCopy, 2u);
+    client->Trace(6, "x");
+    EXPECT_EQ(client->m_nLevel, 2u);
+    EXPECT_EQ(client->m_nLevelCopy, 2u);
 }
 
 TEST_F(TraceEnvironment, DynamicUpdateChecksWhenTheClockStepsBack) {
-    setenv("TL_LOG_DYNAMIC_UPDATE", "100", 1);
-    std::string path = m_Dir.Write("global_trace.ini", ModuleFile("2"));
-    SetModified(path, 5000);
-    CDebugClient client(m_Dir.Path().c_str(), FakeClock);
-    client.Initialize(kModule);
-    client.Trace(6, "x");  // the first check is due at once
-    m_Dir.Write("global_trace.ini", ModuleFile("3"));
-    SetModified(path, 6000);
+    auto client = Following("100", "2");
+    client->Trace(6, "x");  // the first check is due at once
+    Rewrite("3", 6000);
     g_tNow -= 1;
-    client.Trace(6, "x");
-    EXPECT_EQ(client.m_nLevel, 3u);
+    client->Trace(6, "x");
+    EXPECT_EQ(client->m_nLevel, 3u);
 }
 
 TEST_F(TraceEnvironment, DeletedFileIsDroppedForGood) {
-    setenv("TL_LOG_DYNAMIC_UPDATE", "1", 1);
-    std::string path = m_Dir.Write("global_trace.ini", ModuleFile("2"));
-    SetModified(path, 5000);
-    CDebugClient client(m_Dir.Path().c_str(), FakeClock);
-    client.Initialize(kModule);
-    remove(path.c_str());
+    auto client = Following("1", "2");
+    remove((m_Dir.Path() + "/global_trace.ini").c_str());
     g_tNow += 1;
-    client.Trace(6, "x");
-    EXPECT_TRUE(client.m_ModuleReader.Path().empty());
+    client->Trace(6, "x");
+    EXPECT_TRUE(client->m_ModuleReader.Path().empty());
 
-    m_Dir.Write("global_trace.ini", ModuleFile("5"));
-    SetModified(path, 7000);
+    Rewrite("5", 7000);
     g_tNow += 1;
-    client.Trace(6, "x");
-    EXPECT_EQ(client.m_nLevel, 2u);
+    client->Trace(6, "x");
+    EXPECT_EQ(client->m_nLevel, 2u);
 }
 
 TEST_F(TraceEnvironment, ClientThatStartedSilentStaysDisabled) {
-    setenv("TL_LOG_DYNAMIC_UPDATE", "1", 1);
-    std::string path = m_Dir.Write("global_trace.ini", ModuleFile("0"));
-    SetModified(path, 5000);
-    CDebugClient client(m_Dir.Path().c_str(), FakeClock);
-    client.Initialize(kModule);
-    EXPECT_FALSE(client.IsEnabled());
-    m_Dir.Write("global_trace.ini", ModuleFile("6"));
-    SetModified(path, 6000);
+    auto client = Following("1", "0");
+    EXPECT_FALSE(client->IsEnabled());
+    Rewrite("6", 6000);
     g_tNow += 1;
-    client.Trace(6, "x");
-    EXPECT_EQ(client.m_nLevel, 6u);
-    EXPECT_FALSE(client.IsEnabled());
+    client->Trace(6, "x");
+    EXPECT_EQ(client->m_nLevel, 6u);
+    EXPECT_FALSE(client->IsEnabled());
 }
 
 TEST_F(TraceEnvironment, GlobalFileSetsTheUpdateInterval) {
