@@ -25,8 +25,11 @@ endfunction()
 # preceded by PREFIX if given (so that "ctest -R <prefix>" selects them).
 # With SANDBOX, the binary runs inside build/sandbox with these options (may be empty:
 # give the keyword SANDBOX_DEFAULT then), so that its tests may change the host's paths.
+# With USES_SANDBOX, the binary runs on the host and starts sandboxes itself.
+# Either way it runs through build/sandbox-test: its list of tests is read without a
+# sandbox, and where the machine refuses namespaces its tests are reported as skipped.
 function(tlr_test name)
-  cmake_parse_arguments(ARG "SANDBOX_DEFAULT" "PREFIX" "SOURCES;LIBS;SANDBOX" ${ARGN})
+  cmake_parse_arguments(ARG "SANDBOX_DEFAULT;USES_SANDBOX" "PREFIX" "SOURCES;LIBS;SANDBOX" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
@@ -37,7 +40,12 @@ function(tlr_test name)
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gtest GTest::gtest_main Threads::Threads)
   if(ARG_SANDBOX OR ARG_SANDBOX_DEFAULT)
     set_target_properties(${name} PROPERTIES
-      CROSSCOMPILING_EMULATOR "${CMAKE_BINARY_DIR}/sandbox;${ARG_SANDBOX};--")
+      CROSSCOMPILING_EMULATOR "${CMAKE_BINARY_DIR}/sandbox-test;${ARG_SANDBOX};--")
+  elseif(ARG_USES_SANDBOX)
+    set_target_properties(${name} PROPERTIES
+      CROSSCOMPILING_EMULATOR "${CMAKE_BINARY_DIR}/sandbox-test;--outside;--")
+  endif()
+  if(ARG_SANDBOX OR ARG_SANDBOX_DEFAULT OR ARG_USES_SANDBOX)
     add_dependencies(${name} tlrcd-sim)
   endif()
   gtest_discover_tests(${name} WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} DISCOVERY_TIMEOUT 60
