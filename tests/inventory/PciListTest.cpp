@@ -44,30 +44,6 @@ class PciList : public ::testing::Test {
     std::unique_ptr<CPciConfigList> m_pList;
 };
 
-TEST(PciParserRecord, LinesAreTakenByPosition) {
-    PciRecordSpec spec;
-    spec.nInterrupt = 255;
-    PciParser parser;
-    ASSERT_TRUE(parser.Parse(PciRecordLines(spec)));
-    const PciParser::Record& r = parser.Get();
-    EXPECT_EQ(r.sAddress, "0000:18:00.0");
-    EXPECT_EQ(r.nBus, 0x18u);
-    EXPECT_EQ(r.sLine6, "vmhba2");
-    EXPECT_EQ(r.sDeviceName, "SAS RAID-on-Chip");
-    EXPECT_EQ(r.nVendorId, 0x1000u);
-    EXPECT_EQ(r.nSubDeviceId, 0x1234u);
-    EXPECT_EQ(r.BaseClass(), 1);
-    EXPECT_EQ(r.SubClass(), 4);
-    EXPECT_EQ(r.nProgInterface, 1u);
-    EXPECT_EQ(r.nRevision, 2u);
-    EXPECT_EQ(r.nNumbers[0], 0x0Eu);
-    EXPECT_EQ(r.nNumbers[3], 3u);
-    EXPECT_EQ(r.sLine25, "tlraid_sas");
-    EXPECT_EQ(r.nInterrupt, 255u);  // decimal, not hex
-    EXPECT_EQ(r.sLine29, "s00000018.00");
-    EXPECT_EQ(r.sTail[0], "PCI 0:0:3:0");
-}
-
 TEST(PciParserRecord, LengthDecidesTheTail) {
     struct Row {
         size_t lines;
