@@ -58,10 +58,10 @@ TEST(PciParserRecord, LengthDecidesTheTail) {
         {39, false, "", ""},
     };
     for (const Row& row : rows) {
-        PciRecordSpec spec;
-        spec.nLines = row.lines;
+        PciRecordValues values;
+        values.nLines = row.lines;
         PciParser parser;
-        ASSERT_EQ(parser.Parse(PciRecordLines(spec)), row.parsed) << row.lines;
+        ASSERT_EQ(parser.Parse(PciRecordLines(values)), row.parsed) << row.lines;
         if (!row.parsed)
             continue;
         EXPECT_TRUE(parser.Get().bFlag1) << row.lines;  // "true" in line 29 or 30
@@ -72,7 +72,7 @@ TEST(PciParserRecord, LengthDecidesTheTail) {
 }
 
 TEST(PciParserRecord, ValuesBehindTheFirstColon) {
-    std::vector<std::string> lines = PciRecordLines(PciRecordSpec());
+    std::vector<std::string> lines = PciRecordLines(PciRecordValues());
     lines[6] = "   VMkernel Name:\t \r\n";  // the colon ends the line once blanks are cut
     lines[7] = "   Device Name: a: b  \n";  // later colons are part of the value
     lines[8] = "   no colon here\n";
@@ -100,13 +100,13 @@ TEST_F(PciList, DevicesNamedFromAdapterIni) {
     std::string output;
     uint32_t slot = 0;
     for (const Row& row : rows) {
-        PciRecordSpec spec;
-        spec.nSlot = slot++;
-        spec.nVendorId = row.vendor;
-        spec.nDeviceId = row.device;
-        spec.nSubDeviceId = row.subDevice;
-        spec.sDeviceName = "the host's name";
-        output += PciRecordText(spec);
+        PciRecordValues values;
+        values.nSlot = slot++;
+        values.nVendorId = row.vendor;
+        values.nDeviceId = row.device;
+        values.nSubDeviceId = row.subDevice;
+        values.sDeviceName = "the host's name";
+        output += PciRecordText(values);
     }
     ASSERT_EQ(Scan(output).GetCount(), std::size(rows));
     for (size_t i = 0; i < std::size(rows); ++i)
@@ -118,9 +118,9 @@ TEST_F(PciList, DevicesNamedFromAdapterIni) {
 }
 
 TEST_F(PciList, EntriesCarryTheRecordsNumbers) {
-    PciRecordSpec spec;
-    spec.nInterrupt = 255;
-    Scan(PciRecordText(spec));
+    PciRecordValues values;
+    values.nInterrupt = 255;
+    Scan(PciRecordText(values));
     PciSlotInfo info = Entry(0);
     EXPECT_EQ(info.address.nBus, 0x18);
     EXPECT_EQ(info.nBaseClass, 1);
@@ -135,7 +135,7 @@ TEST_F(PciList, EntriesCarryTheRecordsNumbers) {
 
 TEST_F(PciList, RecordsEndAtBlankLinesOnly) {
     ScopedTraceLevel level(1);
-    PciRecordSpec a, shortRecord, b, last;
+    PciRecordValues a, shortRecord, b, last;
     a.nSlot = 1;
     shortRecord.nSlot = 2;
     shortRecord.nLines = 33;
@@ -157,24 +157,24 @@ TEST_F(PciList, RecordsEndAtBlankLinesOnly) {
 
 TEST_F(PciList, ALineOfTwoHundredBytesCountsTwice) {
     // A record of 34 lines with a long device name arrives as 35: the tail moves by one.
-    PciRecordSpec spec;
-    spec.nLines = 34;
-    spec.sDeviceName = std::string(190, 'n');
-    Scan(PciRecordText(spec), false);
+    PciRecordValues values;
+    values.nLines = 34;
+    values.sDeviceName = std::string(190, 'n');
+    Scan(PciRecordText(values), false);
     ASSERT_EQ(m_pList->GetCount(), 1u);
     EXPECT_EQ(Entry(0).sDeviceName, std::string(199 - 16, 'n'));
     EXPECT_EQ(Entry(0).nVendorId, 0u) << "the vendor id is read from the device id's line";
 
     // One more line in a record of 38 makes 39, which is refused.
-    spec.nLines = 38;
-    EXPECT_EQ(Scan(PciRecordText(spec)).GetCount(), 0u);
+    values.nLines = 38;
+    EXPECT_EQ(Scan(PciRecordText(values)).GetCount(), 0u);
 }
 
 TEST_F(PciList, ASecondScanAddsAndOverwrites) {
-    PciRecordSpec a;
+    PciRecordValues a;
     Scan(PciRecordText(a));
     a.nInterrupt = 7;
-    PciRecordSpec b;
+    PciRecordValues b;
     b.nBus = 0x19;
     m_Dir.Write("pci-list.txt", PciRecordText(a) + PciRecordText(b));
     ASSERT_TRUE(m_pList->ScanPciSlots(0));

@@ -12,7 +12,7 @@ std::string Format(const char* format, uint32_t value) {
 
 }  // namespace
 
-std::vector<std::string> PciRecordLines(const PciRecordSpec& s) {
+std::vector<std::string> PciRecordLines(const PciRecordValues& s) {
     char address[32];
     snprintf(address, sizeof(address), "0000:%02x:%02x.%x", s.nBus, s.nSlot, s.nFunction);
     std::vector<std::string> lines = {
@@ -71,9 +71,9 @@ std::vector<std::string> PciRecordLines(const PciRecordSpec& s) {
     return lines;
 }
 
-std::string PciRecordText(const PciRecordSpec& spec) {
+std::string PciRecordText(const PciRecordValues& values) {
     std::string text;
-    for (const std::string& line : PciRecordLines(spec))
+    for (const std::string& line : PciRecordLines(values))
         text += line;
     return text + "\n";
 }

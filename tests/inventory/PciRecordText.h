@@ -5,7 +5,7 @@
 #include <vector>
 
 // A device record of the host's PCI list, written the way the host prints it.
-struct PciRecordSpec {
+struct PciRecordValues {
     uint32_t nBus = 0x18;
     uint32_t nSlot = 0;
     uint32_t nFunction = 0;
@@ -20,6 +20,6 @@ struct PciRecordSpec {
 };
 
 // The record's lines, each with its newline.
-std::vector<std::string> PciRecordLines(const PciRecordSpec& spec);
+std::vector<std::string> PciRecordLines(const PciRecordValues& values);
 // The lines joined, and a blank line behind.
-std::string PciRecordText(const PciRecordSpec& spec);
+std::string PciRecordText(const PciRecordValues& values);
