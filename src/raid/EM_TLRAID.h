@@ -7,6 +7,7 @@
 #include <string>
 
 #include "frame/ExtensionModule.h"
+#include "inventory/PciConfigList.h"
 #include "raid/RaidSettings.h"
 #include "rest/TLRAIDRestClient.h"
 #include "runtime/Event.h"
@@ -69,7 +70,7 @@ class EM_TLRAID : public CExtensionModule {
     CRecursiveLock m_TLRaidSnapshotLock;
     TLRAIDRestClient m_RestClient;
     CEvent m_evRetryWait;
-    // The PCI device list of the host stands here.
+    CPciConfigList m_PciConfigList;
     CEvent m_evSwitchStarted;
     CEvent m_evStopWait;
     CEvent m_evStopRequest;

@@ -48,7 +48,7 @@ int EM_TLRAID::Start(ISwitch* pSwitch, uint32_t param) {
                   detected ? "" : "NOT");
         if (detected) {
             TLR_TRACE(2, "\nEM_TLRAID           : INFO - %sRunningOnServerStart", "NOT ");
-            // The PCI slot scan of the host's device list runs here.
+            m_PciConfigList.ScanPciSlots(0);
             TLR_TRACE(3, "\nEM_TLRAID           : Wait for first valid TLRAID responses");
             started = InitializeAfterTLRaidStart();
         } else {

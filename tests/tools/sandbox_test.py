@@ -114,6 +114,23 @@ class SandboxTest(unittest.TestCase):
                        "--copy", f"{os.path.dirname(data)}=/opt/tree/data")
         self.assertEqual(result.stdout, "[Adapters]\ndata\ndata\n", result.stderr)
 
+    def test_pci_devices_cover_the_private_proc_only(self):
+        before = self.host_pci_devices()
+        devices = self.write("devices", "1800\t100010e2\ttlraid_sas\n")
+        result = shell("cat /proc/bus/pci/devices; printf 'rewritten\\n' > "
+                       "/run/tlr-sandbox/pci-devices; cat /proc/bus/pci/devices",
+                       "--pci-devices", devices)
+        self.assertEqual(result.stdout, "1800\t100010e2\ttlraid_sas\nrewritten\n",
+                         result.stderr)
+        self.assertEqual(self.host_pci_devices(), before)
+
+    @staticmethod
+    def host_pci_devices():
+        if not os.path.exists("/proc/bus/pci/devices"):
+            return None
+        with open("/proc/bus/pci/devices") as host:
+            return host.read()
+
     def test_simulator_runs_during_the_command(self):
         script = ("exec 3<>/dev/tcp/127.0.0.1/34246 && echo open; "
                   f'[ "$(cat {PID_FILE})" = "$(pgrep -x tlrcd-sim)" ] && echo pid')
@@ -172,7 +189,7 @@ class SandboxTest(unittest.TestCase):
         self.assertEqual(result.returncode, 0)
         for option in ("--trace-level", "--trace-dir", "--raid", "--lsof ", "--lsof-file",
                        "--localcli ", "--localcli-pci", "--localcli-nic", "--adapter-ini",
-                       "--copy", "--sim ", "--sim-bin", "--check", "--help"):
+                       "--pci-devices", "--copy", "--sim ", "--sim-bin", "--check", "--help"):
             self.assertIn(option, result.stdout)
 
 

@@ -1,0 +1,204 @@
+// The host's PCI list: records by length and position, names from Adapter.ini, the reads.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "inventory/PciConfigList.h"
+#include "inventory/PciParser.h"
+#include "inventory/PciRecordText.h"
+#include "support/CaptureTraceServer.h"
+#include "support/TempDir.h"
+
+namespace {
+
+const char kAdapterIni[] =
+    "[8086]\n"
+    "Vendor=Corvane Silicon\n"
+    "10FB=  Corvane 10GbE X10   ; plain device\n"
+    "10FB1234=Corvane 10GbE X10 for the sub device\n"
+    "1572 = \n"
+    "[1000]\n"
+    "Vendor=Halvard Storage\n"
+    "10E2=Halvard SAS RAID\n"
+    "[10df]\n"
+    "f400=lower-case section and key\n";
+
+class PciList : public ::testing::Test {
+  protected:
+    // A list over a file of records, read through cat, named from the test's Adapter.ini.
+    CPciConfigList& Scan(const std::string& output, bool withIni = true) {
+        std::string listPath = m_Dir.Write("pci-list.txt", output);
+        std::string iniPath =
+            withIni ? m_Dir.Write("Adapter.ini", kAdapterIni) : m_Dir.Path() + "/missing.ini";
+        m_pList = std::make_unique<CPciConfigList>("cat " + listPath, iniPath);
+        EXPECT_TRUE(m_pList->ScanPciSlots(0));
+        return *m_pList;
+    }
+    PciSlotInfo Entry(size_t index) {
+        PciSlotInfo info;
+        EXPECT_TRUE(m_pList->GetEntry(index, info)) << index;
+        return info;
+    }
+
+    TempDir m_Dir;
+    std::unique_ptr<CPciConfigList> m_pList;
+};
+
+TEST(PciParserRecord, LengthDecidesTheTail) {
+    struct Row {
+        size_t lines;
+        bool parsed;
+        std::string line29;
+        std::string firstTail;
+    } rows[] = {
+        {33, false, "", ""},
+        {34, true, "", ""},  // the flag stands in line 29 and "Parent Device:" is empty
+        {35, true, "s00000018.00", "PCI 0:0:3:0"},
+        {38, true, "s00000018.00", "PCI 0:0:3:0"},
+        {39, false, "", ""},
+    };
+    for (const Row& row : rows) {
+        PciRecordValues values;
+        values.nLines = row.lines;
+        PciParser parser;
+        ASSERT_EQ(parser.Parse(PciRecordLines(values)), row.parsed) << row.lines;
+        if (!row.parsed)
+            continue;
+        EXPECT_TRUE(parser.Get().bFlag1) << row.lines;  // "true" in line 29 or 30
+        EXPECT_TRUE(parser.Get().bFlag2) << row.lines;
+        EXPECT_EQ(parser.Get().sLine29, row.line29) << row.lines;
+        EXPECT_EQ(parser.Get().sTail[0], row.firstTail) << row.lines;
+    }
+}
+
+TEST(PciParserRecord, ValuesBehindTheFirstColon) {
+    std::vector<std::string> lines = PciRecordLines(PciRecordValues());
+    lines[6] = "   VMkernel Name:\t \r\n";  // the colon ends the line once blanks are cut
+    lines[7] = "   Device Name: a: b  \n";  // later colons are part of the value
+    lines[8] = "   no colon here\n";
+    lines[10] = "   Vendor ID: none\n";  // no number: 0
+    PciParser parser;
+    ASSERT_TRUE(parser.Parse(lines));
+    EXPECT_EQ(parser.Get().sLine6, "");
+    EXPECT_EQ(parser.Get().sDeviceName, "a: b");
+    EXPECT_EQ(parser.Get().sLine8, "");
+    EXPECT_EQ(parser.Get().nVendorId, 0u);
+}
+
+TEST_F(PciList, DevicesNamedFromAdapterIni) {
+    struct Row {
+        uint32_t vendor, device, subDevice;
+        const char* name;
+    } rows[] = {
+        {0x8086, 0x10FB, 0x0000, "Corvane 10GbE X10"},  // cleaned of blanks and comment
+        {0x8086, 0x10FB, 0x1234, "Corvane 10GbE X10 for the sub device"},
+        {0x8086, 0x10FB, 0x4321, "Corvane 10GbE X10"},  // no key with the sub device
+        {0x8086, 0x1572, 0x0000, "the host's name"},    // empty value: the record's name
+        {0x10DF, 0xF400, 0x0000, "the host's name"},    // keys are upper-case hex
+        {0x1000, 0x10E2, 0x0001, "Halvard SAS RAID"},
+    };
+    std::string output;
+    uint32_t slot = 0;
+    for (const Row& row : rows) {
+        PciRecordValues values;
+        values.nSlot = slot++;
+        values.nVendorId = row.vendor;
+        values.nDeviceId = row.device;
+        values.nSubDeviceId = row.subDevice;
+        values.sDeviceName = "the host's name";
+        output += PciRecordText(values);
+    }
+    ASSERT_EQ(Scan(output).GetCount(), std::size(rows));
+    for (size_t i = 0; i < std::size(rows); ++i)
+        EXPECT_EQ(Entry(i).sDeviceName, rows[i].name) << i;
+
+    // Without the file every device keeps the host's name.
+    ASSERT_EQ(Scan(output, false).GetCount(), std::size(rows));
+    EXPECT_EQ(Entry(0).sDeviceName, "the host's name");
+}
+
+TEST_F(PciList, EntriesCarryTheRecordsNumbers) {
+    PciRecordValues values;
+    values.nInterrupt = 255;
+    Scan(PciRecordText(values));
+    PciSlotInfo info = Entry(0);
+    EXPECT_EQ(info.address.nBus, 0x18);
+    EXPECT_EQ(info.nBaseClass, 1);
+    EXPECT_EQ(info.nSubClass, 4);
+    EXPECT_EQ(info.nHeaderType, 0);
+    EXPECT_EQ(info.nExtra1, 0x0E);  // lines 18 and 21
+    EXPECT_EQ(info.nExtra2, 3);
+    EXPECT_EQ(info.nInterrupt, 0xFFFFFFFFu);
+    EXPECT_EQ(info.sText1, "tlraid_sas");
+    EXPECT_EQ(info.sText3, "s00000018.00");
+}
+
+TEST_F(PciList, RecordsEndAtBlankLinesOnly) {
+    ScopedTraceLevel level(1);
+    PciRecordValues a, shortRecord, b, last;
+    a.nSlot = 1;
+    shortRecord.nSlot = 2;
+    shortRecord.nLines = 33;
+    b.nSlot = 3;
+    b.nLines = 34;
+    last.nSlot = 4;
+    std::string output = PciRecordText(a) + PciRecordText(shortRecord) + PciRecordText(b);
+    std::string lastText = PciRecordText(last);
+    output += lastText.substr(0, lastText.size() - 1);  // no blank line behind the last
+
+    ASSERT_EQ(Scan(output).GetCount(), 2u);
+    EXPECT_EQ(Entry(0).address.nSlot, 1);
+    EXPECT_EQ(Entry(1).address.nSlot, 3);
+    std::string trace = Debug.Take();
+    EXPECT_NE(trace.find("\n CPciConfigList::ScanPciSlots: Configuration not readed properly."),
+              std::string::npos)
+        << trace;
+}
+
+TEST_F(PciList, ALineOfTwoHundredBytesCountsTwice) {
+    // A record of 34 lines with a long device name arrives as 35: the tail moves by one.
+    PciRecordValues values;
+    values.nLines = 34;
+    values.sDeviceName = std::string(190, 'n');
+    Scan(PciRecordText(values), false);
+    ASSERT_EQ(m_pList->GetCount(), 1u);
+    EXPECT_EQ(Entry(0).sDeviceName, std::string(199 - 16, 'n'));
+    EXPECT_EQ(Entry(0).nVendorId, 0u) << "the vendor id is read from the device id's line";
+
+    // One more line in a record of 38 makes 39, which is refused.
+    values.nLines = 38;
+    EXPECT_EQ(Scan(PciRecordText(values)).GetCount(), 0u);
+}
+
+TEST_F(PciList, ASecondScanAddsAndOverwrites) {
+    PciRecordValues a;
+    Scan(PciRecordText(a));
+    a.nInterrupt = 7;
+    PciRecordValues b;
+    b.nBus = 0x19;
+    m_Dir.Write("pci-list.txt", PciRecordText(a) + PciRecordText(b));
+    ASSERT_TRUE(m_pList->ScanPciSlots(0));
+    ASSERT_EQ(m_pList->GetCount(), 2u);
+    EXPECT_EQ(Entry(0).nInterrupt, 7u);
+    PciSlotInfo found;
+    EXPECT_TRUE(m_pList->Find(PciAddress{0, 0x19, 0, 0}, found));
+    EXPECT_FALSE(m_pList->GetEntry(2, found));
+}
+
+TEST(PciListCommand, AMissingCommandStillStartsTheShell) {
+    CPciConfigList list("/nonexistent/localcli hardware pci list 2>/dev/null", "/nonexistent.ini");
+    EXPECT_TRUE(list.ScanPciSlots(0));
+    EXPECT_EQ(list.GetCount(), 0u);
+}
+
+TEST(PciAddressOrder, AllOnesMatchesAnyAddress) {
+    PciAddress low{0, 0x18, 0, 0}, high{0, 0x18, 0, 1}, otherDomain{1, 0, 0, 0};
+    PciAddress any{0, 0xFF, 0xFF, 0xFF};
+    EXPECT_TRUE(low < high);
+    EXPECT_FALSE(high < low);
+    EXPECT_TRUE(high < otherDomain);
+    EXPECT_FALSE(any < low);
+    EXPECT_FALSE(low < any);
+}
+
+}  // namespace

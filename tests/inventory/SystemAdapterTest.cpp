@@ -1,0 +1,132 @@
+// System adapters: the class table, the enumerator test and the driver lookup.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "inventory/SystemAdapter.h"
+#include "support/TempDir.h"
+
+namespace {
+
+TEST(PciDeviceClassTable, ClassAndDriverByBaseAndSubClass) {
+    struct Row {
+        uint8_t base, sub;
+        uint16_t vendor;
+        const char* name;
+        bool driver;
+    } rows[] = {
+        {0x00, 0x00, 0x8086, "Unknown", false},
+        {0x00, 0x01, 0x8086, "Display", false},
+        {0x01, 0x00, 0x8086, "SCSIAdapter", true},
+        {0x01, 0x01, 0x8086, "hdc", true},
+        {0x01, 0x02, 0x8086, "fdc", false},
+        {0x01, 0x03, 0x8086, "Unknown", false},
+        {0x01, 0x04, 0x1000, "SCSIAdapter", true},
+        {0x01, 0x05, 0x8086, "Unknown", false},
+        {0x01, 0x06, 0x8086, "SCSIAdapter", true},
+        {0x01, 0x07, 0x8086, "SCSIAdapter", true},
+        {0x01, 0x08, 0x8086, "Non-Volatile-Memory", true},
+        {0x01, 0x80, 0x8086, "SCSIAdapter", true},
+        {0x02, 0x00, 0x8086, "net", true},
+        {0x02, 0x80, 0x8086, "net", true},
+        {0x03, 0x02, 0x8086, "Display", false},
+        {0x04, 0x00, 0x8086, "Display", false},
+        {0x04, 0x01, 0x8086, "MEDIA", false},
+        {0x04, 0x03, 0x8086, "Unknown", false},
+        {0x05, 0x80, 0x8086, "MTD", false},
+        {0x06, 0x04, 0x8086, "System", false},
+        {0x07, 0x01, 0x8086, "Ports", false},
+        {0x07, 0x02, 0x8086, "Unknown", false},
+        {0x08, 0x80, 0x8086, "System", false},
+        {0x09, 0x00, 0x8086, "Keyboard", false},
+        {0x09, 0x01, 0x8086, "HIDClass", false},
+        {0x09, 0x02, 0x8086, "Mouse", false},
+        {0x0A, 0x00, 0x8086, "Unknown", false},
+        {0x0B, 0x40, 0x8086, "System", false},
+        {0x0C, 0x00, 0x8086, "1394", false},
+        {0x0C, 0x03, 0x8086, "USB", false},
+        {0x0C, 0x04, 0x8086, "Unknown", false},
+        // Serial bus controllers of three vendors are storage, whatever their sub class.
+        {0x0C, 0x04, 0x10DF, "SCSIAdapter", true},
+        {0x0C, 0x03, 0x1077, "SCSIAdapter", true},
+        {0x0C, 0x00, 0x19A2, "SCSIAdapter", true},
+        {0x0D, 0x00, 0x8086, "Infrared", false},
+        {0x0D, 0x01, 0x8086, "Infrared", false},
+        {0x0D, 0x10, 0x8086, "Unknown", false},
+        {0xFF, 0x00, 0x8086, "Unknown", false},
+    };
+    for (const Row& row : rows) {
+        PciDeviceClass cls = ClassifyPciDevice(row.base, row.sub, row.vendor);
+        EXPECT_STREQ(cls.pszName, row.name) << std::hex << +row.base << "/" << +row.sub;
+        EXPECT_EQ(cls.bDriver, row.driver) << std::hex << +row.base << "/" << +row.sub;
+    }
+}
+
+TEST(PciDeviceEnumerator, OnlyTheExactWordsPass) {
+    struct Row {
+        const char* instance;
+        bool pci;
+    } rows[] = {
+        {"PCI\\VEN_1000&DEV_10e2\\4&1", true},
+        {"PCI", true},
+        {"B06BDRV\\L2ND&PCI_1639", true},
+        {"\\PCI\\VEN_1000", true},  // leading backslashes are skipped by the split
+        {"PCIROOT\\0", false},
+        {"pci\\VEN_1000", false},
+        {"PCI \\VEN", false},
+        {"", false},
+        {"\\\\", false},
+    };
+    for (const Row& row : rows) {
+        CSystemAdapter adapter;
+        adapter.m_sInstanceId = row.instance;
+        EXPECT_EQ(IsPciDevice(adapter), row.pci) << row.instance;
+    }
+    CSystemAdapter scanned;
+    scanned.m_sHardwareId = "PCI\\VEN_1000&DEV_10e2&SUBSYS_00001234&REV_01";
+    EXPECT_FALSE(IsPciDevice(scanned)) << "the hardware id is not the instance";
+}
+
+TEST(PciDriverName, FoundByBusAndDevfnAlone) {
+    TempDir dir;
+    // Vendor and device, then fifteen numbers: interrupt, addresses and sizes.
+    std::string numbers;
+    for (int i = 0; i < 15; ++i)
+        numbers += "\t" + std::string(i % 2 ? "0" : "c5800004");
+    std::string path =
+        dir.Write("devices", "0000\t80862020" + numbers + "\t\n" +                  //
+                                 "00b8\t8086a186" + numbers + "\ttlraid_sata\n" +   // 00:17.0
+                                 "1800\t100010e2" + numbers + "\t  tlraid_sas\n" +  // 18:00.0
+                                 "1901\t80861572" + numbers + "\tcvxen\n" +         // 19:00.1
+                                 "3b00\t80861533" + numbers);  // last, no driver
+    struct Row {
+        uint16_t domain;
+        uint8_t bus, slot, function;
+        bool found;
+        const char* driver;
+    } rows[] = {
+        {0, 0x00, 0x17, 0, true, "tlraid_sata"}, {0, 0x18, 0x00, 0, true, "tlraid_sas"},
+        {7, 0x18, 0x00, 0, true, "tlraid_sas"},  // the domain plays no part
+        {0, 0x18, 0x00, 8, true, "tlraid_sas"},  // nor the function's bits above 7
+        {0, 0x19, 0x00, 1, true, "cvxen"},       {0, 0x19, 0x00, 0, false, ""},
+        {0, 0x00, 0x00, 0, false, ""},  // listed without a driver
+        {0, 0x3b, 0x00, 0, false, ""},
+    };
+    for (const Row& row : rows) {
+        char buffer[32] = "previous";
+        EXPECT_EQ(GetAdapterDriverName(row.domain, row.bus, row.slot, row.function, buffer,
+                                       sizeof(buffer), path.c_str()),
+                  row.found)
+            << std::hex << +row.bus << ":" << +row.slot << "." << +row.function;
+        EXPECT_STREQ(buffer, row.driver);
+    }
+
+    char small[4] = "";
+    EXPECT_TRUE(GetAdapterDriverName(0, 0x19, 0, 1, small, sizeof(small), path.c_str()));
+    EXPECT_STREQ(small, "cvx");
+    EXPECT_FALSE(
+        GetAdapterDriverName(0, 0x18, 0, 0, small, sizeof(small), (dir.Path() + "/none").c_str()));
+    EXPECT_STREQ(small, "");
+}
+
+}  // namespace

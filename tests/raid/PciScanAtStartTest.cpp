@@ -1,0 +1,33 @@
+// Start fills the module's PCI list once the service is found, before the first tree.
+#include "RaidTestKit.h"
+#include "support/CaptureTraceServer.h"
+
+namespace {
+
+using PciScanAtStart = RaidModuleTest;
+
+const char kSasAdapterNamed[] = "\nPCI PARSER device_name = TL RAID HX420";
+
+TEST_F(PciScanAtStart, BetweenDetectionAndTheFirstTree) {
+    ScopedTraceLevel trace(5);
+    ServeSample("demo.xml");
+    EXPECT_EQ(MakeModule(false).Start(&m_Switch, 0), 1);
+    m_bStarted = true;
+    std::string t = Debug.Take();
+    size_t detected = t.find("\nEM_TLRAID           : INFO - NOT RunningOnServerStart");
+    size_t scanned = t.find(kSasAdapterNamed);
+    size_t waiting = t.find("\nEM_TLRAID           : Wait for first valid TLRAID responses");
+    ASSERT_NE(scanned, std::string::npos) << t;
+    EXPECT_LT(detected, scanned);
+    EXPECT_LT(scanned, waiting);
+}
+
+TEST_F(PciScanAtStart, NotWithoutTheService) {
+    ScopedTraceLevel trace(5);
+    sandbox_host::SetInstalled(true);
+    EXPECT_EQ(MakeModule(false).Start(&m_Switch, 0), 1);
+    m_bStarted = true;
+    EXPECT_EQ(Debug.Take().find("PCI PARSER"), std::string::npos);
+}
+
+}  // namespace
