@@ -47,18 +47,28 @@ constexpr uint32_t kNotDealtWith = 0;
 constexpr uint8_t kPoweredOn = 1;
 constexpr uint32_t kCabinetThere = 1;
 
-void Value(Request& r, uint32_t nValue) {
+void Put(Request& r, uint32_t nValue) {
     r.record.SetDataUInt(nValue, status::kOk);
 }
 
-void Text(Request& r, const std::string& sText) {
+void Put(Request& r, const std::string& sText) {
     r.record.SetDataString(sText.c_str(), status::kOk);
 }
 
-// The record of the request's object; a missing one leaves the default status.
-template <typename Map>
-const typename Map::mapped_type* Object(const Map& map, const Request& r) {
-    return FindRecord(map, r.sKey);
+// A field of the cabinet itself.
+template <auto pField>
+uint32_t CabinetField(Request& r) {
+    Put(r, r.cabinet.*pField);
+    return kDealtWith;
+}
+
+// A field of the request's object in one of the object maps; a missing record leaves the
+// default status.
+template <auto pMap, auto pField>
+uint32_t ObjectField(Request& r) {
+    if (const auto* object = FindRecord(r.map.*pMap, r.sKey))
+        Put(r, object->*pField);
+    return kDealtWith;
 }
 
 uint32_t PowerOnStatus(Request& r) {
@@ -73,122 +83,27 @@ uint32_t NoAnswer(Request&) {
     return kDealtWith;
 }
 
-uint32_t FanCount(Request& r) {
-    Value(r, r.cabinet.FanCount);
-    return kDealtWith;
-}
-
-uint32_t FanStatus(Request& r) {
-    if (const FanRecord* fan = Object(r.map.m_Fans, r))
-        Value(r, fan->Status);
-    return kDealtWith;
-}
-
-uint32_t FanLocation(Request& r) {
-    if (const FanRecord* fan = Object(r.map.m_Fans, r))
-        Value(r, fan->Location);
-    return kDealtWith;
-}
-
-uint32_t FanName(Request& r) {
-    if (const FanRecord* fan = Object(r.map.m_Fans, r))
-        Text(r, fan->Name);
-    return kDealtWith;
-}
-
-uint32_t FanDesignation(Request& r) {
-    if (const FanRecord* fan = Object(r.map.m_Fans, r))
-        Text(r, fan->Designation);
-    return kDealtWith;
-}
-
-uint32_t TempSensorCount(Request& r) {
-    Value(r, r.cabinet.TempSensorCount);
-    return kDealtWith;
-}
-
-uint32_t TempSensorStatus(Request& r) {
-    if (const TempSensorRecord* sensor = Object(r.map.m_TempSensors, r))
-        Value(r, sensor->Status);
-    return kDealtWith;
-}
-
-uint32_t TempSensorTemperature(Request& r) {
-    if (const TempSensorRecord* sensor = Object(r.map.m_TempSensors, r))
-        Value(r, sensor->Temperature);
-    return kDealtWith;
-}
-
-uint32_t TempSensorLocation(Request& r) {
-    if (const TempSensorRecord* sensor = Object(r.map.m_TempSensors, r))
-        Value(r, sensor->Location);
-    return kDealtWith;
-}
-
-uint32_t TempSensorName(Request& r) {
-    if (const TempSensorRecord* sensor = Object(r.map.m_TempSensors, r))
-        Text(r, sensor->Name);
-    return kDealtWith;
-}
-
-uint32_t PowerSupplyCount(Request& r) {
-    Value(r, r.cabinet.PowerSupplyCount);
-    return kDealtWith;
-}
-
-uint32_t PowerSupplyStatus(Request& r) {
-    if (const PowerSupplyRecord* supply = Object(r.map.m_PowerSupplies, r))
-        Value(r, supply->Status);
-    return kDealtWith;
-}
-
-uint32_t PowerSupplyName(Request& r) {
-    if (const PowerSupplyRecord* supply = Object(r.map.m_PowerSupplies, r))
-        Text(r, supply->Name);
-    return kDealtWith;
-}
-
 // The present state; a change is stored, and told to nobody: the polling thread then finds
 // no change and fires no event for it.
 uint32_t PowerSupplyRedundancy(Request& r) {
     bool bRedundant = false;
     bool bChanged = false;
     if (EnclosurePSRedundancy(r.map, r.nCa, bRedundant, bChanged))
-        Value(r, bRedundant ? 1 : 0);
-    return kDealtWith;
-}
-
-uint32_t ChassisModel(Request& r) {
-    Text(r, r.cabinet.ChassisModel);
-    return kDealtWith;
-}
-
-uint32_t SerialNumber(Request& r) {
-    Text(r, r.cabinet.SerialNumber);
-    return kDealtWith;
-}
-
-uint32_t CabinetModel(Request& r) {
-    Text(r, r.cabinet.CabinetModel);
-    return kDealtWith;
-}
-
-uint32_t Vendor(Request& r) {
-    Text(r, r.cabinet.Vendor);
+        Put(r, bRedundant ? 1u : 0u);
     return kDealtWith;
 }
 
 // Values the cabinet keeps none of: always 0.
 uint32_t ZeroValue(Request& r) {
-    Value(r, 0);
+    Put(r, 0u);
     return kDealtWith;
 }
 
 // A sensor without a warning threshold has no thresholds at all.
 uint32_t Threshold(Request& r, uint8_t TempSensorRecord::*pField) {
-    const TempSensorRecord* sensor = Object(r.map.m_TempSensors, r);
+    const TempSensorRecord* sensor = FindRecord(r.map.m_TempSensors, r.sKey);
     if (sensor && sensor->WarningTemperature != 0)
-        Value(r, sensor->*pField);
+        Put(r, sensor->*pField);
     return kDealtWith;
 }
 
@@ -218,7 +133,7 @@ uint32_t CabinetPresent(Request& r) {
     r.record.SetStatus(status::kCabinetUnknown);
     for (const auto& entry : r.map.m_Cabinets) {
         if (entry.second.CabinetNr == r.nCa) {
-            Value(r, kCabinetThere);
+            Put(r, kCabinetThere);
             break;
         }
     }
@@ -227,25 +142,38 @@ uint32_t CabinetPresent(Request& r) {
 
 constexpr Row kRows[] = {
     {oc::CM_PowerOnStatus, false, 0, Bound::kNone, PowerOnStatus},
-    {oc::kFanCount, false, 0, Bound::kNone, FanCount},
-    {oc::CM_FanStatus, false, 0, Bound::kFans, FanStatus},
+    {oc::kFanCount, false, 0, Bound::kNone, CabinetField<&CabinetRecord::FanCount>},
+    {oc::CM_FanStatus, false, 0, Bound::kFans,
+     ObjectField<&EnclosureMap::m_Fans, &FanRecord::Status>},
     {oc::kFanNoAnswer, false, 0, Bound::kNone, NoAnswer},
-    {oc::kFanLocation, false, 0, Bound::kFans, FanLocation},
-    {oc::kFanName, false, 0, Bound::kFans, FanName},
-    {oc::kFanDesignation, false, 0, Bound::kFans, FanDesignation},
-    {oc::kTempSensorCount, false, 0, Bound::kNone, TempSensorCount},
-    {oc::CM_TempSensorStatus, false, 0, Bound::kTempSensors, TempSensorStatus},
-    {oc::kTempSensorTemperature, false, 0, Bound::kTempSensors, TempSensorTemperature},
-    {oc::kTempSensorLocation, false, 0, Bound::kTempSensors, TempSensorLocation},
-    {oc::kTempSensorName, false, 0, Bound::kTempSensorsAbove, TempSensorName},
-    {oc::kPowerSupplyCount, false, 0, Bound::kNone, PowerSupplyCount},
-    {oc::CM_PowerSupplyStatus, false, 0, Bound::kPowerSupplies, PowerSupplyStatus},
-    {oc::kPowerSupplyName, false, 0, Bound::kPowerSupplies, PowerSupplyName},
+    {oc::kFanLocation, false, 0, Bound::kFans,
+     ObjectField<&EnclosureMap::m_Fans, &FanRecord::Location>},
+    {oc::kFanName, false, 0, Bound::kFans, ObjectField<&EnclosureMap::m_Fans, &FanRecord::Name>},
+    {oc::kFanDesignation, false, 0, Bound::kFans,
+     ObjectField<&EnclosureMap::m_Fans, &FanRecord::Designation>},
+    {oc::kTempSensorCount, false, 0, Bound::kNone, CabinetField<&CabinetRecord::TempSensorCount>},
+    {oc::CM_TempSensorStatus, false, 0, Bound::kTempSensors,
+     ObjectField<&EnclosureMap::m_TempSensors, &TempSensorRecord::Status>},
+    {oc::kTempSensorTemperature, false, 0, Bound::kTempSensors,
+     ObjectField<&EnclosureMap::m_TempSensors, &TempSensorRecord::Temperature>},
+    {oc::kTempSensorLocation, false, 0, Bound::kTempSensors,
+     ObjectField<&EnclosureMap::m_TempSensors, &TempSensorRecord::Location>},
+    {oc::kTempSensorName, false, 0, Bound::kTempSensorsAbove,
+     ObjectField<&EnclosureMap::m_TempSensors, &TempSensorRecord::Name>},
+    {oc::kPowerSupplyCount, false, 0, Bound::kNone, CabinetField<&CabinetRecord::PowerSupplyCount>},
+    {oc::CM_PowerSupplyStatus, false, 0, Bound::kPowerSupplies,
+     ObjectField<&EnclosureMap::m_PowerSupplies, &PowerSupplyRecord::Status>},
+    {oc::kPowerSupplyName, false, 0, Bound::kPowerSupplies,
+     ObjectField<&EnclosureMap::m_PowerSupplies, &PowerSupplyRecord::Name>},
     {oc::CM_PowerSupplyRedundancy, false, 0, Bound::kNone, PowerSupplyRedundancy},
-    {oc::kVersionGroup, true, oc::kIdentityChassisModel, Bound::kNone, ChassisModel},
-    {oc::kVersionGroup, true, oc::kIdentitySerialNumber, Bound::kNone, SerialNumber},
-    {oc::kVersionGroup, true, oc::kIdentityCabinetModel, Bound::kNone, CabinetModel},
-    {oc::kVersionGroup, true, oc::kIdentityVendor, Bound::kNone, Vendor},
+    {oc::kVersionGroup, true, oc::kIdentityChassisModel, Bound::kNone,
+     CabinetField<&CabinetRecord::ChassisModel>},
+    {oc::kVersionGroup, true, oc::kIdentitySerialNumber, Bound::kNone,
+     CabinetField<&CabinetRecord::SerialNumber>},
+    {oc::kVersionGroup, true, oc::kIdentityCabinetModel, Bound::kNone,
+     CabinetField<&CabinetRecord::CabinetModel>},
+    {oc::kVersionGroup, true, oc::kIdentityVendor, Bound::kNone,
+     CabinetField<&CabinetRecord::Vendor>},
     {oc::kSensorValue, true, oc::kSensorValueFan, Bound::kFans, ZeroValue},
     {oc::kSensorValue, true, oc::kSensorValueTemp, Bound::kTempSensors, ZeroValue},
     {oc::kSensorValue, true, oc::kSensorValueTempOther, Bound::kTempSensors, ZeroValue},

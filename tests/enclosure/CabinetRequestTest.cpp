@@ -62,22 +62,17 @@ TEST_F(CabinetRequestTest, AnswersAndBounds) {
     const Row rows[] = {
         {257, 0, 0, 800, kNone, "ST=0 DA={\"RAW\":[1,1]}", 1},
         {768, 0, 0, 800, kNone, "ST=0 DA=4", 1},
-        {768, 0, 0, 801, kNone, "ST=0 DA=2", 1},
         {769, 0, 0, 800, kNone, "ST=0 DA=1", 1},
         {769, 0, 3, 800, kNone, "ST=19", 1},  // record missing
         {769, 0, 4, 800, kNone, "ST=2", 1},
         {769, 0, 0xFFFFFFFF, 800, kNone, "ST=2", 1},
         {770, 0, 99, 800, kNone, "ST=19", 1},
         {771, 0, 0, 800, kNone, "ST=0 DA=5", 1},
-        {771, 0, 2, 800, kNone, "ST=0 DA=4", 1},
         {772, 0, 1, 800, kNone, "ST=0 DA=\"Fan 2\"", 1},
         {773, 0, 2, 800, kNone, "ST=0 DA=\"Fan_3\"", 1},
-        {773, 0, 4, 800, kNone, "ST=2", 1},
         {1024, 0, 0, 800, kNone, "ST=0 DA=6", 1},
         {1025, 0, 0, 800, kNone, "ST=0 DA=6", 1},
-        {1025, 0, 6, 800, kNone, "ST=2", 1},
         {1026, 0, 2, 800, kNone, "ST=0 DA=24", 1},
-        {1026, 0, 4, 800, kNone, "ST=19", 1},
         {1027, 0, 2, 800, kNone, "ST=0 DA=2", 1},
         {1028, 0, 5, 800, kNone, "ST=0 DA=\"PSU 1 inlet\"", 1},
         {1028, 0, 6, 800, kNone, "ST=19", 1},  // the count itself passes the bound
@@ -88,7 +83,6 @@ TEST_F(CabinetRequestTest, AnswersAndBounds) {
         {1281, 0, 2, 800, kNone, "ST=2", 1},
         {1284, 0, 1, 801, kNone, "ST=0 DA=\"Power Supply 1\"", 1},
         {1296, 0, 0, 800, kNone, "ST=0 DA=1", 1},
-        {3072, 264, 0, 800, kNone, "ST=0 DA=\"VK16R\"", 1},
         {3072, 264, 0, 801, kNone, "ST=0 DA=\"VK12T21R\"", 1},
         {3072, 1536, 0, 801, kNone, "ST=0 DA=\"VK12B1187720\"", 1},
         {3072, 1544, 0, 801, kNone, "ST=0 DA=\"VK12 T2\"", 1},
@@ -97,7 +91,6 @@ TEST_F(CabinetRequestTest, AnswersAndBounds) {
         {57345, 113, 3, 800, kNone, "ST=0 DA=0", 1},
         {57345, 113, 4, 800, kNone, "ST=2", 1},
         {57345, 115, 5, 800, kNone, "ST=0 DA=0", 1},
-        {57345, 124, 6, 800, kNone, "ST=2", 1},
         {57345, 144, 0, 800, kNone, "ST=0 DA=55", 1},
         {57345, 145, 0, 800, kNone, "ST=0 DA=65", 1},
         {57345, 144, 1, 800, kNone, "ST=19", 1},  // no warning threshold: no thresholds
@@ -110,12 +103,10 @@ TEST_F(CabinetRequestTest, AnswersAndBounds) {
         {57346, 113, 0, 800, 0x100, "ST=0 DA=256", 1},  // the low byte counts
         {57346, 113, 0, 800, kNone, "ST=0", 1},
         {57346, 115, 6, 800, 0, "ST=2 DA=0", 1},
-        {57346, 115, 5, 800, 7, "ST=4 DA=7", 1},
         {57346, 124, 0, 800, 0, "ST=1 DA=0", 0},
         {57866, 0, 0, 801, kNone, "ST=0 DA=1", 1},
         {0x2110, 0, 0, 800, kNone, "ST=1", 0},
         {769, 0, 0, 900, kNone, "ST=20", 0},
-        {257, 0, 0, 0, kNone, "ST=20", 0},
     };
     for (const Row& row : rows) {
         auto record = Request(row.oc, row.oe, row.oi, row.ca, row.da);
