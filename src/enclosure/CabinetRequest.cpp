@@ -26,7 +26,7 @@ enum class Bound {
 struct Request {
     EnclosureMap& map;
     CommandRecord& record;
-    CabinetRecord& cabinet;
+    const CabinetRecord& cabinet;
     uint32_t nCa;
     std::string sKey;  // the object key of CA and OI
 };

@@ -24,6 +24,16 @@ constexpr const char* kModelSuffix = "R";
 constexpr const char* kSupportedNames[] = {"VK16", "VK16 T2", "VK12", "VK12 T2"};
 // An outside maker's enclosure, sold as the VK16.
 constexpr const char* kOutsideMakerName = "JABIL";
+// The model where the tree gives no ChassisID: the first row whose word is in the name. The
+// order makes a "VK16 T2" a VK16, and an outside maker's "VK12" a VK16 too.
+struct ModelByName {
+    const char* pszWord;
+    const char* pszModel;
+};
+constexpr ModelByName kModelsByName[] = {
+    {"VK16", "VK16R"}, {kOutsideMakerName, "VK16R"}, {"VK12 T2", "VK12T2R"},
+    {"VK12", "VK12R"}, {"VK16 T2", "VK16T2R"},
+};
 constexpr const char* kOutsideMakerCabinetModel = "Orlane VK16";
 constexpr const char* kUnknownChassis = "Unknown Chassis";
 

@@ -313,23 +313,11 @@ void EnclosureSetup::ReadPowerSupply(uint8_t nIndex) {
     m_Doc.OutOfElem();
 }
 
-// The chassis model from the enclosure's name where the tree gave no ChassisID. The rows are
-// tried in this order, so "VK16 T2" is taken by "VK16" first and a name with both "JABIL"
-// and "VK12" is a VK16.
 void DeriveChassisModel(const std::string& sName, CabinetRecord& cabinet) {
-    struct NameRow {
-        const char* pszWord;
-        const char* pszModel;
-    };
-    static constexpr NameRow kRows[] = {
-        {"VK16", "VK16R"},      {chassis::kOutsideMakerName, "VK16R"},
-        {"VK12 T2", "VK12T2R"}, {"VK12", "VK12R"},
-        {"VK16 T2", "VK16T2R"},
-    };
-    for (const NameRow& row : kRows) {
+    for (const chassis::ModelByName& row : chassis::kModelsByName) {
         if (Contains(sName, row.pszWord)) {
             cabinet.ChassisModel = row.pszModel;
-            if (row.pszWord == chassis::kOutsideMakerName) {
+            if (strcmp(row.pszWord, chassis::kOutsideMakerName) == 0) {
                 cabinet.CabinetModel = chassis::kOutsideMakerCabinetModel;
             }
             return;
