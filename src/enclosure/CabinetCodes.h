@@ -53,11 +53,13 @@ constexpr uint32_t kInvalidValue = 4;  // a value the object does not take
 
 }  // namespace status
 
-// moves to the switch protocol header: the same names and values as the server's codes.
+// moves to the switch protocol header
+// Until then the same names and values as the server's own codes and statuses; a file that
+// includes both sets waits for that move.
 namespace oc {
 
-constexpr uint32_t kVersionGroup =
-    0x0C00;  // texts by OE: the server's version, a cabinet's identity
+// Texts by OE: the server's version, a cabinet's identity.
+constexpr uint32_t kVersionGroup = 0x0C00;
 
 }  // namespace oc
 
