@@ -24,6 +24,7 @@ TEST(TLRaidDataIsValid, SampleTrees) {
     };
     const Row rows[] = {
         {"demo.xml", true},
+        {"cabinets.xml", true},
         {"port-list.xml", true},
         {"channel-list.xml", true},
         {"sas-port.xml", true},
