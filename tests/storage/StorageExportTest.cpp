@@ -119,6 +119,18 @@ TEST(StorageExport, OrderAndNestingKeptAcrossWrappers) {
               "</System>\n");
 }
 
+TEST(StorageExport, DeepNesting) {
+    const int kDepth = 10000;
+    std::string source, exported = "<O></O>\n";
+    for (int i = 0; i < kDepth; ++i) {
+        source = "<O NrOfProperties=\"0\"><Ports>" + source + "</Ports></O>";
+    }
+    for (int i = 1; i < kDepth; ++i) {
+        exported = "<O>\n" + exported + "</O>\n";
+    }
+    EXPECT_EQ(ExportBody(source), exported);
+}
+
 TEST(StorageExport, SourceWithoutRootLeavesTargetEmptyAndPositionsAlone) {
     CTLRaidData source, target;
     source.SetDoc("<Tree><System NrOfProperties=\"0\"/></Tree>");

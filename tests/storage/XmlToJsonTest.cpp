@@ -124,6 +124,22 @@ TEST(XmlToJson, ArrayListOfTheExport) {
               "{\"TLRaidStorageDeviceTree\":{\"System\":{\"Adapter\":[1]}}}");
 }
 
+TEST(XmlToJson, DeepNestingDoesNotUseUpTheStack) {
+    const int kDepth = 100000;
+    std::string xml, json = "{";
+    for (int i = 0; i < kDepth; ++i) {
+        xml += "<e>";
+        json += "\"e\":";
+        json += i + 1 < kDepth ? "{" : "1";
+    }
+    xml += "1";
+    for (int i = 0; i < kDepth; ++i) {
+        xml += "</e>";
+        json += "}";
+    }
+    EXPECT_EQ(Json(xml), json);
+}
+
 TEST(XmlToJson, ElementAndValueAtThePosition) {
     CXmlDoc doc;
     doc.SetDoc("<r><a x=\"1\"><b>2</b></a><c/><a>3</a></r>");
