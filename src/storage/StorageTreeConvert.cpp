@@ -11,8 +11,9 @@ namespace {
 
 constexpr int kPathMode = 1;
 
-// "Enlosure" is how clients of the export know these entries; the tree's Enclosure elements
-// don't match them and are arrays only where several stand together.
+// Clients expect exactly these entries, "Enlosure" included: the tree's Enclosure elements
+// don't match the three entries that name it, and are arrays only where several stand
+// together. An entry matches only where every level of the path is the first of its name.
 const ArrayList kArrayList = {
     "/TLRaidStorageDeviceTree/System/Adapter",
     "/TLRaidStorageDeviceTree/System/Adapter/LogicalDrive",
