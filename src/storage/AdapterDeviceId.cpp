@@ -1,6 +1,5 @@
 #include "storage/AdapterDeviceId.h"
 
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 
@@ -14,13 +13,9 @@ long ChildNumber(CXmlDoc& doc) {
     return strtol(doc.GetChildData().c_str(), nullptr, 10);
 }
 
-}  // namespace
-
-bool GetAdapterDeviceId(CXmlDoc& adapter, std::string& id) {
-    CKeepPos keep(adapter);
-    if (!adapter.FindElem("Adapter"))
-        return false;
-    // The children are searched forward only, in this order.
+// The device id of the adapter at the main position. Its children are searched forward from
+// the child position, in this order, so that elements in front of it aren't found.
+bool DeviceIdAtMain(CXmlDoc& adapter, std::string& id) {
     if (!adapter.FindChildElem("PCIBus"))
         return false;
     auto bus = static_cast<uint8_t>(ChildNumber(adapter));
@@ -45,4 +40,43 @@ bool GetAdapterDeviceId(CXmlDoc& adapter, std::string& id) {
     }
     id = text;
     return true;
+}
+
+bool FindAdapter(CXmlDoc& tree, uint32_t& nIndex, const std::string& sDeviceId,
+                 bool bCountBatteries) {
+    CKeepPos keep(tree);
+    if (!tree.FindElem("amEMTL") || !tree.IntoElem() || !tree.FindElem("System") ||
+        !tree.IntoElem())
+        return false;
+    uint32_t nCount = 0;
+    while (tree.FindElem("Adapter")) {
+        if (bCountBatteries && tree.FindChildElem("Battery"))
+            ++nCount;
+        std::string id;
+        DeviceIdAtMain(tree, id);
+        if (id == sDeviceId) {
+            nIndex = nCount;
+            return true;
+        }
+        if (!bCountBatteries)
+            ++nCount;
+    }
+    return false;
+}
+
+}  // namespace
+
+bool GetAdapterDeviceId(CXmlDoc& adapter, std::string& id) {
+    CKeepPos keep(adapter);
+    if (!adapter.FindElem("Adapter"))
+        return false;
+    return DeviceIdAtMain(adapter, id);
+}
+
+bool FindAdapterIndex(CXmlDoc& tree, uint32_t& nIndex, const std::string& sDeviceId) {
+    return FindAdapter(tree, nIndex, sDeviceId, false);
+}
+
+bool FindBatteryAdapterIndex(CXmlDoc& tree, uint32_t& nIndex, const std::string& sDeviceId) {
+    return FindAdapter(tree, nIndex, sDeviceId, true);
 }

@@ -9,11 +9,15 @@
 
 #include "support/Process.h"
 
-std::string SampleTree(const std::string& name) {
-    std::ifstream in(SourcePath("samples/trees/" + name), std::ios::binary);
+std::string SourceText(const std::string& relative) {
+    std::ifstream in(SourcePath(relative), std::ios::binary);
     std::ostringstream text;
     text << in.rdbuf();
     return text.str();
+}
+
+std::string SampleTree(const std::string& name) {
+    return SourceText("samples/trees/" + name);
 }
 
 std::vector<std::string> SampleTreeNames() {

@@ -7,6 +7,8 @@
 
 // The text of samples/trees/<name>; empty if there is no such file.
 std::string SampleTree(const std::string& name);
+// The text of a file of the source tree, by its path from the top; empty if there is none.
+std::string SourceText(const std::string& relative);
 // The names of all sample trees (*.xml), sorted.
 std::vector<std::string> SampleTreeNames();
 

@@ -132,7 +132,7 @@ std::string TreeWriter::Write() {
     m_sOut = szHead;
     m_nDepth = 0;
     Open("amEMTL", " Version=\"2\"");
-    Open("System", "");
+    Open("System", " NrOfProperties=\"0\"");
     Open("Multiplexer", " NrOfProperties=\"5\"");
     Severity overall = Worse(Worse(m_DisksState, m_LogicalState), m_AdaptersState);
     Leaf("Status", "Operational");

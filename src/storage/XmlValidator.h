@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+#include "xml/XmlDoc.h"
+
+// Cleans a raw storage tree of characters that its readers can't take: control characters
+// and bytes that don't start a UTF-8 sequence become '?'. Attributes are cleaned on elements
+// with children, texts on elements without; each change is traced. The work is done by the
+// constructor, on a document positioned at its first element.
+class CXmlValidator {
+  public:
+    explicit CXmlValidator(CXmlDoc& doc);
+    CXmlValidator(const CXmlValidator&) = delete;
+    CXmlValidator& operator=(const CXmlValidator&) = delete;
+
+    // The text up to its first NUL, with printable ASCII and complete UTF-8 sequences kept and
+    // every other byte replaced by '?'.
+    static std::string CleanText(const std::string& sText);
+
+  private:
+    void CleanAttributes();
+    void CleanData();
+
+    CXmlDoc& m_Doc;
+};
+
+// The raw tree as the cleaning request answers it: a well-formed text cleaned, any other text
+// as it is.
+std::string CleanStorageTreeText(const std::string& sText);

@@ -1,0 +1,126 @@
+// Adapters by device id: the id of an address, and the two ways of counting to an adapter.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "storage/AdapterDeviceId.h"
+#include "storage/TLRaidData.h"
+#include "storage/TreeText.h"
+
+namespace {
+
+TEST(AdapterDeviceId, FromTheAddress) {
+    struct Row {
+        const char* children;
+        const char* id;  // null: no id
+    };
+    const Row rows[] = {
+        {"<PCIBus>24</PCIBus><PCIDevice>0</PCIDevice><PCIFunction>1</PCIFunction>",
+         "TYPE_PCI&BUS_24&DEV_0&FUNC_1"},
+        {"<PCIBus>129</PCIBus><PCIDevice>3</PCIDevice><PCISegment>1</PCISegment>",
+         "TYPE_PCI&BUS_129&DEV_3&FUNC_0&SEG_1"},
+        {"<PCIBus>1</PCIBus><PCIDevice>2</PCIDevice><PCIFunction>3</PCIFunction>"
+         "<PCISegment>0</PCISegment>",
+         "TYPE_PCI&BUS_1&DEV_2&FUNC_3"},
+        // The segment is cut to 16 bits, the others to 8.
+        {"<PCIBus>1</PCIBus><PCIDevice>2</PCIDevice><PCISegment>65536</PCISegment>",
+         "TYPE_PCI&BUS_1&DEV_2&FUNC_0"},
+        {"<PCIBus>1</PCIBus><PCIDevice>2</PCIDevice><PCISegment>65537</PCISegment>",
+         "TYPE_PCI&BUS_1&DEV_2&FUNC_0&SEG_1"},
+        {"<PCIBus>257</PCIBus><PCIDevice>-1</PCIDevice>", "TYPE_PCI&BUS_1&DEV_255&FUNC_0"},
+        {"<PCIBus>x</PCIBus><PCIDevice>07</PCIDevice>", "TYPE_PCI&BUS_0&DEV_7&FUNC_0"},
+        // 255.255.255 is no address; 255.255.0 is one.
+        {"<PCIBus>255</PCIBus><PCIDevice>255</PCIDevice><PCIFunction>255</PCIFunction>"
+         "<PCISegment>2</PCISegment>",
+         nullptr},
+        {"<PCIBus>255</PCIBus><PCIDevice>255</PCIDevice><PCIFunction>0</PCIFunction>",
+         "TYPE_PCI&BUS_255&DEV_255&FUNC_0"},
+        {"<PCIBus>255</PCIBus><PCIDevice>255</PCIDevice>", "TYPE_PCI&BUS_255&DEV_255&FUNC_0"},
+        // Bus and device must be there, in this order.
+        {"<PCIDevice>1</PCIDevice>", nullptr},
+        {"<PCIBus>1</PCIBus>", nullptr},
+        {"<PCIDevice>1</PCIDevice><PCIBus>1</PCIBus>", nullptr},
+    };
+    for (const Row& row : rows) {
+        CTLRaidData adapter;
+        adapter.SetDoc(std::string("<Adapter Nr=\"0\">") + row.children + "</Adapter>");
+        std::string id = "untouched";
+        EXPECT_EQ(GetAdapterDeviceId(adapter, id), row.id != nullptr) << row.children;
+        EXPECT_EQ(id, row.id ? row.id : "untouched") << row.children;
+    }
+}
+
+const char* const kAdapters =
+    "<Adapter><PCIBus>3</PCIBus><PCIDevice>0</PCIDevice></Adapter>"
+    "<Adapter><Battery/><PCIBus>255</PCIBus><PCIDevice>255</PCIDevice>"
+    "<PCIFunction>255</PCIFunction></Adapter>"
+    "<Adapter><PCIBus>4</PCIBus><PCIDevice>0</PCIDevice><PCIFunction>2</PCIFunction></Adapter>"
+    "<Adapter><Battery/><PCIBus>5</PCIBus><PCIDevice>0</PCIDevice></Adapter>"
+    "<Adapter><PCIBus>6</PCIBus><PCIDevice>0</PCIDevice><Battery/></Adapter>";
+
+TEST(AdapterDeviceId, IndexAmongTheAdapters) {
+    CTLRaidData tree;
+    tree.SetDoc(WholeTree(kAdapters));
+    struct Row {
+        const char* id;
+        int index;  // -1: not found
+    };
+    const Row rows[] = {
+        {"TYPE_PCI&BUS_3&DEV_0&FUNC_0", 0},
+        {"TYPE_PCI&BUS_4&DEV_0&FUNC_2", 2},
+        {"TYPE_PCI&BUS_5&DEV_0&FUNC_0", 3},
+        {"TYPE_PCI&BUS_6&DEV_0&FUNC_0", 4},
+        {"", 1},  // the first adapter without an address
+        {"TYPE_PCI&BUS_4&DEV_0&FUNC_2 ", -1},
+        {"TYPE_PCI&BUS_7&DEV_0&FUNC_0", -1},
+    };
+    for (const Row& row : rows) {
+        uint32_t index = 99;
+        EXPECT_EQ(FindAdapterIndex(tree, index, row.id), row.index >= 0) << row.id;
+        EXPECT_EQ(index, row.index >= 0 ? uint32_t(row.index) : 99u) << row.id;
+    }
+}
+
+TEST(AdapterDeviceId, IndexByBatteries) {
+    CTLRaidData tree;
+    tree.SetDoc(WholeTree(kAdapters));
+    struct Row {
+        const char* id;
+        int index;  // -1: not found
+    };
+    const Row rows[] = {
+        {"TYPE_PCI&BUS_3&DEV_0&FUNC_0", 0},  // no battery before it, none of its own
+        {"TYPE_PCI&BUS_4&DEV_0&FUNC_2", 1},  // one battery before it
+        {"TYPE_PCI&BUS_5&DEV_0&FUNC_0", 2},  // its own battery counts
+        // The address in front of the battery isn't found: that adapter's id is empty.
+        {"TYPE_PCI&BUS_6&DEV_0&FUNC_0", -1},
+        {"", 1},  // the battery adapter without an address
+    };
+    for (const Row& row : rows) {
+        uint32_t index = 99;
+        EXPECT_EQ(FindBatteryAdapterIndex(tree, index, row.id), row.index >= 0) << row.id;
+        EXPECT_EQ(index, row.index >= 0 ? uint32_t(row.index) : 99u) << row.id;
+    }
+
+    // In the sample, every battery stands behind its adapter's address.
+    tree.SetDoc(SampleTree("batteries.xml"));
+    uint32_t index = 99;
+    EXPECT_TRUE(FindAdapterIndex(tree, index, "TYPE_PCI&BUS_26&DEV_0&FUNC_0"));
+    EXPECT_EQ(index, 2u);
+    EXPECT_FALSE(FindBatteryAdapterIndex(tree, index, "TYPE_PCI&BUS_26&DEV_0&FUNC_0"));
+    EXPECT_TRUE(FindBatteryAdapterIndex(tree, index, "TYPE_PCI&BUS_27&DEV_0&FUNC_0"));
+    EXPECT_EQ(index, 3u);
+    EXPECT_TRUE(FindBatteryAdapterIndex(tree, index, ""));
+    EXPECT_EQ(index, 1u);
+}
+
+TEST(AdapterDeviceId, TreeWithoutSystem) {
+    CTLRaidData tree;
+    tree.SetDoc("<amEMTL><Adapter><PCIBus>3</PCIBus><PCIDevice>0</PCIDevice></Adapter></amEMTL>");
+    uint32_t index = 99;
+    EXPECT_FALSE(FindAdapterIndex(tree, index, "TYPE_PCI&BUS_3&DEV_0&FUNC_0"));
+    EXPECT_FALSE(FindBatteryAdapterIndex(tree, index, ""));
+    EXPECT_EQ(index, 99u);
+}
+
+}  // namespace

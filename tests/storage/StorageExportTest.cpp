@@ -1,0 +1,172 @@
+// The exported tree: the sample trees against their expected files, the attribute table,
+// wrappers, the source's positions.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "storage/StorageExport.h"
+#include "storage/StorageTreeConvert.h"
+#include "storage/TLRaidData.h"
+#include "storage/TreeText.h"
+
+namespace {
+
+const char* const kHead =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<TLRaidStorageDeviceTree Version=\"2\">\n";
+const char* const kTail = "</TLRaidStorageDeviceTree>\n";
+
+// The exported XML of a tree, and the export's result.
+std::string Export(const std::string& tree, int format = kStorageTreeXml, bool* pResult = nullptr) {
+    CTLRaidData source;
+    source.SetDoc(tree);
+    std::string out;
+    bool bResult = ExportStorageTree(source, format, out);
+    if (pResult) {
+        *pResult = bResult;
+    }
+    return out;
+}
+
+// The export of the content of an amEMTL root, less the head and tail lines.
+std::string ExportBody(const std::string& content) {
+    std::string out = Export("<amEMTL Version=\"2\">" + content + "</amEMTL>");
+    std::string head = kHead, tail = kTail;
+    if (out.compare(0, head.size(), head) != 0 || out.size() < head.size() + tail.size() ||
+        out.compare(out.size() - tail.size(), tail.size(), tail) != 0) {
+        return "unexpected frame: " + out;
+    }
+    return out.substr(head.size(), out.size() - head.size() - tail.size());
+}
+
+TEST(StorageExport, EverySampleTreeAsItsExpectedFiles) {
+    for (const std::string& name : SampleTreeNames()) {
+        const std::string base = name.substr(0, name.size() - 4);
+        const std::string tree = SampleTree(name);
+        const std::string xml = SourceText("samples/export/" + base + ".xml");
+        const std::string json = SourceText("samples/export/" + base + ".json");
+        ASSERT_FALSE(xml.empty()) << "no expected XML for " << name;
+        ASSERT_FALSE(json.empty()) << "no expected JSON for " << name;
+        bool bResult = false;
+        EXPECT_EQ(Export(tree, kStorageTreeXml, &bResult), xml) << name;
+        EXPECT_TRUE(bResult) << name;
+        EXPECT_EQ(Export(tree, kStorageTreeJson, &bResult), json) << name;
+        EXPECT_TRUE(bResult) << name;
+    }
+}
+
+TEST(StorageExport, AttributesByTheTable) {
+    struct Row {
+        const char* source;
+        const char* exported;
+    };
+    const Row rows[] = {
+        {"<PhysicalDrive DeviceNumber=\"3\" NrOfProperties=\"0\"/>",
+         "<PhysicalDrive Nr=\"3\"></PhysicalDrive>\n"},
+        {"<LogicalDrive LogDriveNumber=\"0\" Nr=\"7\" NrOfProperties=\"0\"/>",
+         "<LogicalDrive Nr=\"0\"></LogicalDrive>\n"},
+        {"<Array Nr=\"1\" Name=\"A\" NrOfProperties=\"0\"/>", "<Array Nr=\"1\"></Array>\n"},
+        {"<Container Name=\"c &amp; d\" Nr=\"2\" Type=\"x\" NrOfProperties=\"0\"/>",
+         "<Container Name=\"c &amp; d\" Nr=\"2\"></Container>\n"},
+        // Both numbers of a port go to Nr: the later one stays.
+        {"<Port Nr=\"1\" DeviceNumber=\"9\" NrOfProperties=\"0\"/>", "<Port Nr=\"9\"></Port>\n"},
+        {"<Port DeviceNumber=\"9\" Nr=\"1\" NrOfProperties=\"0\"/>", "<Port Nr=\"1\"></Port>\n"},
+        // A type becomes the first child, the number stays an attribute, names go.
+        {"<Adapter Type=\"SAS\" Nr=\"0\" Name=\"A (0)\" NrOfProperties=\"1\"><Status>OK</Status>"
+         "</Adapter>",
+         "<Adapter Nr=\"0\">\n<Type>SAS</Type>\n<Status>OK</Status>\n</Adapter>\n"},
+        {"<Port Type=\"\" NrOfProperties=\"0\"/>", "<Port>\n<Type/>\n</Port>\n"},
+        // Attributes of other tags, and of properties, are dropped.
+        {"<Enclosure Name=\"E\" Nr=\"4\" NrOfProperties=\"1\"><Status Nr=\"1\">OK</Status>"
+         "</Enclosure>",
+         "<Enclosure>\n<Status>OK</Status>\n</Enclosure>\n"},
+        {"<Battery ComponentStatus=\"1\" NrOfProperties=\"1\"><Name>B &lt;1&gt;</Name></Battery>",
+         "<Battery>\n<Name>B &lt;1&gt;</Name>\n</Battery>\n"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(
+            ExportBody(std::string("<System NrOfProperties=\"0\">") + row.source + "</System>"),
+            std::string("<System>\n") + row.exported + "</System>\n")
+            << row.source;
+    }
+}
+
+TEST(StorageExport, WrappersVanishAndTheirObjectsMoveUp) {
+    // Ports under an object goes, and its ports come up one level. A property is copied, but
+    // the unmarked elements under it are wrappers, with their text.
+    EXPECT_EQ(ExportBody("<System NrOfProperties=\"0\"><Adapter NrOfProperties=\"1\">"
+                         "<Status>OK</Status><Ports><Port Nr=\"0\" NrOfProperties=\"0\"/>"
+                         "<Port Nr=\"1\" NrOfProperties=\"0\"/></Ports>"
+                         "<Notes>n<Note>x</Note></Notes></Adapter></System>"),
+              "<System>\n<Adapter>\n<Status>OK</Status>\n<Port Nr=\"0\"></Port>\n"
+              "<Port Nr=\"1\"></Port>\n<Notes></Notes>\n</Adapter>\n</System>\n");
+    // An unmarked element under an unmarked parent goes with its text and attributes; the
+    // objects beneath it stay.
+    EXPECT_EQ(ExportBody("<Group Kind=\"g\">text<Inner><PhysicalDrive DeviceNumber=\"5\" "
+                         "NrOfProperties=\"1\"><Status>OK</Status></PhysicalDrive></Inner>"
+                         "<Loose>l</Loose></Group>"),
+              "<PhysicalDrive Nr=\"5\">\n<Status>OK</Status>\n</PhysicalDrive>\n");
+    // So is an unmarked System: its objects stand under the root.
+    EXPECT_EQ(ExportBody("<System><Multiplexer NrOfProperties=\"1\"><Status>Operational"
+                         "</Status></Multiplexer></System>"),
+              "<Multiplexer>\n<Status>Operational</Status>\n</Multiplexer>\n");
+}
+
+TEST(StorageExport, OrderAndNestingKeptAcrossWrappers) {
+    EXPECT_EQ(ExportBody("<System NrOfProperties=\"0\"><A NrOfProperties=\"1\"><P>1</P>"
+                         "<Ports><B NrOfProperties=\"0\"><C NrOfProperties=\"0\"/></B></Ports>"
+                         "<Q>2</Q></A><D NrOfProperties=\"0\"/></System>"),
+              "<System>\n<A>\n<P>1</P>\n<B>\n<C></C>\n</B>\n<Q>2</Q>\n</A>\n<D></D>\n"
+              "</System>\n");
+}
+
+TEST(StorageExport, DeepNesting) {
+    const int kDepth = 10000;
+    std::string source, exported = "<O></O>\n";
+    for (int i = 0; i < kDepth; ++i) {
+        source = "<O NrOfProperties=\"0\"><Ports>" + source + "</Ports></O>";
+    }
+    for (int i = 1; i < kDepth; ++i) {
+        exported = "<O>\n" + exported + "</O>\n";
+    }
+    EXPECT_EQ(ExportBody(source), exported);
+}
+
+TEST(StorageExport, SourceWithoutRootLeavesTargetEmptyAndPositionsAlone) {
+    CTLRaidData source, target;
+    source.SetDoc("<Tree><System NrOfProperties=\"0\"/></Tree>");
+    BuildStorageDeviceTree(target, source);
+    EXPECT_EQ(target.GetDoc(), "");
+    std::string out = "before";
+    EXPECT_TRUE(ConvertStorageTree(target, out, kStorageTreeJson));
+    EXPECT_EQ(out, "before");
+
+    source.SetDoc(SampleTree("demo.xml"));
+    ASSERT_TRUE(source.FindElem("amEMTL") && source.IntoElem() && source.FindElem("System") &&
+                source.FindChildElem("Adapter"));
+    const uint32_t parent = source.GetParentPos(), main = source.GetMainPos(),
+                   child = source.GetChildPos();
+    CTLRaidData exported;
+    BuildStorageDeviceTree(exported, source);
+    EXPECT_NE(exported.GetDoc(), "");
+    EXPECT_EQ(source.GetParentPos(), parent);
+    EXPECT_EQ(source.GetMainPos(), main);
+    EXPECT_EQ(source.GetChildPos(), child);
+}
+
+TEST(StorageExport, ConvertByFormat) {
+    CTLRaidData doc;
+    doc.SetDoc("<a><b>1</b></a>");
+    std::string out = "untouched";
+    EXPECT_TRUE(ConvertStorageTree(doc, out, 3));
+    EXPECT_EQ(out, "untouched");
+    EXPECT_TRUE(ConvertStorageTree(doc, out, kStorageTreeXml));
+    EXPECT_EQ(out, "<a><b>1</b></a>");
+    EXPECT_TRUE(ConvertStorageTree(doc, out, kStorageTreeJson));
+    EXPECT_EQ(out, "{\"a\":{\"b\":1}}");
+    doc.SetDoc("<a><b></a>");
+    out = "untouched";
+    EXPECT_TRUE(ConvertStorageTree(doc, out, kStorageTreeXml));
+    EXPECT_EQ(out, "untouched");
+}
+
+}  // namespace
