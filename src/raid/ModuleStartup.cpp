@@ -221,16 +221,7 @@ bool EM_TLRAID::InitializeAfterTLRaidStart() {
         }
     }
 
-    uint32_t adapters = 0;
-    doc.ResetPos();
-    if (doc.FindElem("amEMTL")) {
-        doc.IntoElem();
-        if (doc.FindElem("System")) {
-            while (doc.FindChildElem("Adapter"))
-                ++adapters;
-        }
-    }
-    m_bAdaptersPresent = adapters != 0;
+    m_bAdaptersPresent = doc.GetAdapterCount() != 0;
     // The enclosure map is set up here from the tree when it holds adapters.
 
     {
