@@ -21,11 +21,9 @@ constexpr RequestRow Plain(uint32_t code, Steps steps, RowHandler handler) {
 }
 // A row on an object of an adapter (OE, OI), or on the adapter OI when the getter is null.
 constexpr RequestRow On(uint32_t code, CRequest::ObjectGetter get, RowHandler handler) {
-    return {code,    get ? Steps::kObject : Steps::kAdapterOi,
-            handler, get,
-            false,   nullptr,
-            nullptr, nullptr,
-            nullptr};
+    RequestRow row = Plain(code, get ? Steps::kObject : Steps::kAdapterOi, handler);
+    row.object = get;
+    return row;
 }
 constexpr RequestRow Mapped(uint32_t code, CRequest::ObjectGetter get, RowHandler handler,
                             ValueGetter value, StatusMap map) {
