@@ -202,6 +202,10 @@ TEST_F(RequestTableTest, FailedStatusesAndSmartAcrossAdapters) {
         // An error in the first adapter wins over a clean drive in the second.
         {tree("Warning", drive("Hotspare SMART Error").c_str(), drive("Operational").c_str()),
          R"({"ST":0,"DA":2})", R"({"ST":0,"DA":1})"},
+        // A clean drive in the first adapter doesn't end the walk: the error in the second
+        // counts.
+        {tree("Failed", drive("Operational").c_str(), drive("Rebuilding SMART Error").c_str()),
+         R"({"ST":0,"DA":3})", R"({"ST":0,"DA":1})"},
         // Only the second adapter says anything: no error.
         {tree("OK", drive("Failed").c_str(), drive("Operational").c_str()), R"({"ST":0,"DA":1})",
          R"({"ST":0,"DA":0})"},
@@ -218,6 +222,18 @@ TEST_F(RequestTableTest, FailedStatusesAndSmartAcrossAdapters) {
         EXPECT_EQ(Answer(0x2121, 0, 0, client), c.adapters) << c.xml;
         EXPECT_EQ(Answer(0x2125, 0, 0, client), c.smart) << c.xml;
     }
+}
+
+// Enclosures past the first of an adapter, numbered from 0 in each adapter.
+TEST_F(RequestTableTest, EnclosuresOfSeveralAdapters) {
+    ServeTree(SampleTree("two-adapters-enclosures.xml"));
+    const Row rows[] = {
+        {0x2190, 0, 0, "", R"({"ST":0,"DA":2})"}, {0x219C, 0, 0, "", R"({"ST":0,"DA":0})"},
+        {0x219C, 0, 1, "", R"({"ST":0,"DA":1})"}, {0x219C, 1, 1, "", R"({"ST":0,"DA":1})"},
+        {0x219C, 0, 2, "", R"({"ST":2})"},
+    };
+    for (const Row& r : rows)
+        EXPECT_EQ(Answer(r.oc, r.oe, r.oi, 2, r.da), r.want) << Describe(r);
 }
 
 TEST_F(RequestTableTest, CodesWithoutRowsAnswerUnknownAndReturnZero) {
