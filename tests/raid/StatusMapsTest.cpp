@@ -52,13 +52,4 @@ TEST(StatusMapsTest, SmallMaps) {
     EXPECT_EQ(status_map::LearnCycle(-1), 255);
 }
 
-TEST(StatusMapsTest, ComponentValueOfDriveIndexes) {
-    const uint8_t table[] = {1, 1, 1, 3, 1, 1, 2, 2, 3, 1, 1, 3, 3, 3, 3,
-                             1, 2, 2, 2, 0, 2, 2, 2, 2, 2, 2, 0, 0, 2, 2};
-    for (int i = 0; i < 30; ++i)
-        EXPECT_EQ(status_map::ComponentValue(i), table[i]) << i;
-    EXPECT_EQ(status_map::ComponentValue(-1), 0);
-    EXPECT_EQ(status_map::ComponentValue(30), 0);
-}
-
 }  // namespace
