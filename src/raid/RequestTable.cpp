@@ -1,13 +1,18 @@
-// The table of requests: one row per object code, in the order of the codes.
+// The table of requests: one row per object code, grouped by family.
 //
-// To add a code: give it a name in frame/SwitchProtocol.h, then add one row below. A row
-// names its steps, which run before its handler and end the request with their own status
-// when they fail (snapshot, adapter OI or OE, object OI of adapter OE, and with
-// bNamedByText the request's data before the steps and its text after them), and its
-// handler. Where a handler only maps a getter's number, the row names the getter and the map
-// (StatusMaps.h) and the shared handler rows::MappedByte or rows::MappedUInt answers. A code
-// that needs none of the usual steps has Steps::kNone, and its handler does all the work.
-// Handlers live in the file of their family (AdapterRows.cpp, DriveRows.cpp, ...).
+// To add a code: name it in frame/SwitchProtocol.h, in the section of its family, and add
+// one row here. A row names
+//   - its steps, run before the handler; each ends the request with its own status when it
+//     fails: the client's snapshot (Steps::kSnapshot), the adapter OI (kAdapterOi), the
+//     adapter OE (kAdapterOe), or the object OI of the adapter OE by the row's getter
+//     (kObject); with bNamedByText also the request's data before them and its text after;
+//   - its handler. Where it answers a getter's number through a status map (StatusMaps.h),
+//     the row names getter and map and a shared handler (rows::MappedByte, rows::MappedUInt)
+//     answers; names, counts and properties have shared handlers too.
+// A code that needs none of the usual steps (a tree of its own, no snapshot, another status
+// for a missing tree) has Steps::kNone, and its handler takes what it needs from the
+// CRequest. One-off handlers live by family: OverallRows.cpp for the server as a whole and
+// the codes outside the storage range, ObjectRows.cpp for adapters and their objects.
 #include "raid/RequestTable.h"
 
 #include "raid/StatusMaps.h"
