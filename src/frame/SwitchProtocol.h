@@ -137,10 +137,15 @@ constexpr uint32_t kCabinetSettingRead = 57345;
 constexpr uint32_t kCabinetSettingWrite = 57346;
 constexpr uint32_t kSelectFanSetting = 113;
 constexpr uint32_t kSelectSensorSetting = 115;
-constexpr uint32_t kSelectSensorSettingToo = 124;
+constexpr uint32_t kSelectSensorSettingSecond = 124;
 constexpr uint32_t kSelectWarningTemperature = 144;
 constexpr uint32_t kSelectCriticalTemperature = 145;
-constexpr uint32_t kCabinetServerList = 57866;
+constexpr uint32_t kCabinetPresent = 57866;  // is the cabinet CA one of this server's?
+
+// ---- Events the module sends -----------------------------------------------------------
+// A status event goes out under the object code of the state that changed (CM_FanStatus,
+// CM_TempSensorStatus, CM_PowerSupplyStatus, CM_PowerSupplyRedundancy above), with the new
+// state in ST. Codes of events of their own go here.
 
 }  // namespace oc
 
