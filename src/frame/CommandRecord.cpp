@@ -77,7 +77,7 @@ CommandRecord::CommandRecord(uint32_t oc, uint32_t oe, uint32_t oi, uint32_t ca,
     if (oi != 0)
         entry.AddMember("OI", oi, a);
     entry.AddMember("CA", ca, a);
-    if (st != kNoStatus)
+    if (st != status::kNone)
         entry.AddMember("ST", st, a);
 }
 

@@ -7,14 +7,14 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/SwitchProtocol.h"
+
 // The one message type between the switch and a module: a JSON document
 //   {"SIP":{"V":1,"CMD":[{"OC":..,"OE":..,"OI":..,"CI":..,"CA":..,"MI":..,"ST":..,"DA":..}]}}
 // and the index of the command that is meant. Reads never change the record; a path that
 // is missing reads as the reader's default.
 class CommandRecord {
   public:
-    static constexpr uint32_t kNoStatus = 0xFFFFFFFF;  // a request to the switch has no ST yet
-    static constexpr uint32_t kDefaultStatus = 22;     // what a missing ST reads as
     static constexpr uint32_t kAllCabinets = 0xFFFFFFFF;
 
     // An empty record: no SIP, so every read gives its default and every write is lost.

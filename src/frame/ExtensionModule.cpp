@@ -6,10 +6,6 @@
 
 namespace {
 
-constexpr uint32_t kStatusUnknownCode = 1;
-constexpr uint32_t kStatusNoSwitch = 6;
-constexpr uint32_t kStatusEvent = 255;
-
 const char* NotificationName(uint32_t code) {
     switch (code) {
         case SCN_SWITCH_SHUTDOWN:
@@ -49,7 +45,7 @@ int CExtensionModule::Start(ISwitch* pSwitch, uint32_t param) {
 
 uint32_t CExtensionModule::ModuleRequest(CommandRecord* record) {
     record->EnsureCommand();
-    record->SetStatus(kStatusUnknownCode);
+    record->SetStatus(status::kUnknownCode);
     return 0;
 }
 
@@ -99,7 +95,7 @@ bool CExtensionModule::IsAgentlessSwitch() {
 
 void CExtensionModule::SendSwitchRequest(CommandRecord& record, uint32_t timeoutMs) {
     if (!m_pSwitch) {
-        record.SetStatus(kStatusNoSwitch);
+        record.SetStatus(status::kNoRaidData);
         return;
     }
     if (!record.HasField("CA")) {
@@ -109,8 +105,8 @@ void CExtensionModule::SendSwitchRequest(CommandRecord& record, uint32_t timeout
 }
 
 void CExtensionModule::SendSwitchEvent(CommandRecord& record) {
-    uint32_t ownStatus = record.GetField("ST", CommandRecord::kDefaultStatus);
-    record.SetStatus(kStatusEvent);
+    uint32_t ownStatus = record.GetField("ST", status::kMissing);
+    record.SetStatus(status::kEvent);
     if (m_pSwitch)
         m_pSwitch->SendEvent(this, &record);
     record.SetStatus(ownStatus);

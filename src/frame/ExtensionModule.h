@@ -6,18 +6,7 @@
 #include "frame/CommandRecord.h"
 #include "frame/ModuleInfoBlock.h"
 #include "frame/Switch.h"
-
-// Notification codes that the switch hands to OnNotify.
-enum : uint32_t {
-    SCN_SWITCH_SHUTDOWN = 0x20000,
-    SCN_SWITCH_REQUEST_ENABLED = 0x20001,
-    SCN_SYSTEM_SHUTDOWN = 0x30000,
-    SCN_POWERSTATE_SUSPEND = 0x40000,
-    SCN_POWERSTATE_STANDBY = 0x40001,
-    SCN_POWERSTATE_RESUME = 0x40002,
-    SCN_POWERSTATE_AC_OFFLINE = 0x40003,
-    SCN_POWERSTATE_AC_ONLINE = 0x40004,
-};
+#include "frame/SwitchProtocol.h"
 
 // The interface by which the host's switch drives an extension module. The order of the
 // operations is the order of the slots that the host calls.

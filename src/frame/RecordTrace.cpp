@@ -55,7 +55,7 @@ void TraceRecord(uint32_t level, const char* tag, const CommandRecord& record) {
     }
     if (n > 0 && static_cast<size_t>(n) < sizeof(head)) {
         snprintf(head + n, sizeof(head) - n, " MID 0x%04X%04X Stat 0x%02X", mi >> 16, mi & 0xFFFF,
-                 record.GetField(index, "ST", CommandRecord::kDefaultStatus));
+                 record.GetField(index, "ST", status::kMissing));
     }
 
     const rapidjson::Value* entry = record.Command(index);

@@ -60,11 +60,9 @@ class EM_TLRAID : public CExtensionModule {
     bool AreTestRequestsEnabled() const { return m_bTestRequestsEnabled; }
 
   private:
-    struct RequestContext;
     void StartPollingThread();
     bool FetchFirstSnapshot(CTLRaidData& doc, uint32_t clientId, std::string& text);
     void StorageDeviceTreePolling();
-    void Dispatch(CommandRecord& record, uint32_t& result);
 
     std::map<uint32_t, std::string> m_Snapshots;
     CRecursiveLock m_TLRaidSnapshotLock;

@@ -3,10 +3,18 @@
 
 #include "frame/ModuleExports.h"
 #include "raid/EM_TLRAID.h"
+#include "runtime/DebugClient.h"
 
 #define EM_EXPORT extern "C" __attribute__((visibility("default")))
 
 namespace {
+
+// Hands the trace client this module's name as soon as the object is loaded, right after
+// the client itself is built and before any object of the module is.
+struct CTraceNameAtLoad {
+    CTraceNameAtLoad() { g_DebugClient.Initialize(EM_TLRAID::kModuleName); }
+};
+__attribute__((init_priority(102))) CTraceNameAtLoad g_TraceNameAtLoad;
 
 CIExtensionModule* MakeModule() {
     return new EM_TLRAID();

@@ -6,7 +6,9 @@
 #include <memory>
 
 #include "raid/EM_TLRAID.h"
+#include "rest/RestConstants.h"
 #include "runtime/DebugClient.h"
+#include "runtime/Pipe.h"
 #include "storage/TLRaidData.h"
 
 namespace {
@@ -24,10 +26,6 @@ bool PathExists(const char* path) {
 const char* YesNo(bool b) {
     return b ? "true" : "false";
 }
-
-struct PipeCloser {
-    void operator()(FILE* f) const { pclose(f); }
-};
 
 }  // namespace
 
@@ -162,13 +160,14 @@ bool EM_TLRAID::DetectTLRaid(uint32_t waitMs, uint32_t tries) {
 }
 
 bool EM_TLRAID::DetectRestServer() {
-    std::unique_ptr<FILE, PipeCloser> pipe(popen(raid_host::kProbeCommand, "r"));
+    PipePtr pipe(popen(raid_host::kProbeCommand, "r"));
     if (!pipe) {
         TLR_TRACE(2, "\nCDeviceTLRaid::DetectTLRaid: failed to call lsof");
         return false;
     }
     char line[kProbeLineLength] = {};
-    if (!fgets(line, sizeof(line), pipe.get()) || !strstr(line, raid_host::kDaemonPort)) {
+    const std::string port = std::to_string(tlr_rest::kDaemonPort);
+    if (!fgets(line, sizeof(line), pipe.get()) || !strstr(line, port.c_str())) {
         TLR_TRACE(4, "\nCDeviceTLRaid::DetectTLRaid: TLRCD REST server NOT running");
         return false;
     }
@@ -221,16 +220,7 @@ bool EM_TLRAID::InitializeAfterTLRaidStart() {
         }
     }
 
-    uint32_t adapters = 0;
-    doc.ResetPos();
-    if (doc.FindElem("amEMTL")) {
-        doc.IntoElem();
-        if (doc.FindElem("System")) {
-            while (doc.FindChildElem("Adapter"))
-                ++adapters;
-        }
-    }
-    m_bAdaptersPresent = adapters != 0;
+    m_bAdaptersPresent = doc.GetAdapterCount() != 0;
     // The enclosure map is set up here from the tree when it holds adapters.
 
     {

@@ -39,7 +39,6 @@ constexpr const char* kPidFiles[] = {
     "/var/run/vmware/daemon-TessalineStor-tlrcd.pid",
 };
 constexpr const char kProbeCommand[] = "lsof | grep tlrcd.*SOCKET_INET 2>/dev/null";
-constexpr const char kDaemonPort[] = "34246";
 constexpr int kThreadPriority = 63;
 
 }  // namespace raid_host

@@ -137,18 +137,7 @@ bool EM_TLRAID::GetRaidAdapterData(CTLRaidData& doc, uint32_t clientId, uint32_t
     CTLRaidData tree;
     if (!TLRaidDataGetSnapshot(tree, clientId))
         return false;
-    tree.ResetPos();
-    if (!tree.FindElem("amEMTL") || !tree.IntoElem() || !tree.FindElem("System") ||
-        !tree.IntoElem()) {
-        return false;
-    }
-    for (uint32_t index = 0; tree.FindElem("Adapter"); ++index) {
-        if (index == adapterIndex) {
-            doc.SetDoc(tree.GetSubDoc(tree.GetMainPos()));
-            return true;
-        }
-    }
-    return false;
+    return tree.GetAdapterData(doc, adapterIndex);
 }
 
 bool EM_TLRAID::ClearAllSnapshots() {

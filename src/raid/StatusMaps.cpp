@@ -1,91 +1,156 @@
 #include "raid/StatusMaps.h"
 
+#include <iterator>
+
+#include "frame/SwitchProtocol.h"
 #include "storage/StatusTables.h"
 
 namespace status_map {
 
 namespace {
-constexpr uint8_t kNoAnswer = 255;
-// The SMART variants, indexes 16 to 29, as the plain states they read like.
-constexpr int32_t kSmartVariantState[] = {-1, 0, 1, 2, 4, 5, 6, 7, 9, 10, 11, 13, 14, 15};
-constexpr int32_t kFirstSmartVariant = 16;
-constexpr int32_t kLastIndex = 29;
-constexpr int32_t kLastPlainState = 15;
+
+namespace a = answer;
+
+// A tree's number and the client's number for it.
+struct Pair {
+    int32_t nFrom;
+    uint32_t nTo;
+};
+
+template <size_t N>
+uint32_t Lookup(const Pair (&pairs)[N], int32_t value) {
+    for (const Pair& p : pairs) {
+        if (p.nFrom == value)
+            return p.nTo;
+    }
+    return a::kNoAnswer;
+}
+
+// The plain drive states; the SMART variants map through kSmartVariantState first.
+constexpr Pair kDriveStates[] = {
+    {kPdOperational, a::kDriveOperational},
+    {kPdCopyback, a::kDriveCopyback},
+    {kPdAvailable, a::kDriveAvailable},
+    {kPdUnconfiguredFailed, a::kDriveUnconfiguredFailed},
+    {kPdDedicatedHotspare, a::kDriveDedicatedHotspare},
+    {kPdGlobalHotspare, a::kDriveGlobalHotspare},
+    {kPdRebuilding, a::kDriveRebuilding},
+    {kPdUnassigned7, a::kDriveRebuildNecessarySmart},
+    {kPdRebuildNecessary, a::kDriveRebuildNecessary},
+    {kPdMigrating, a::kDriveMigrating},
+    {kPdJbod, a::kDriveJbod},
+    {kPdFailed, a::kDriveFailed},
+    {kPdFailedMissing, a::kDriveFailedMissing},
+    {kPdOffline, a::kDriveOffline},
+    {kPdShield, a::kDriveShield},
+    {kPdAutoReplaceHotspare, a::kDriveAutoReplaceHotspare},
+};
+
+// The SMART variants, in index order from kPdOtherSmart, as the plain states they read like.
+constexpr int32_t kSmartVariantState[] = {
+    kNotMapped,        kPdOperational, kPdCopyback,    kPdAvailable,          kPdDedicatedHotspare,
+    kPdGlobalHotspare, kPdRebuilding,  kPdUnassigned7, kPdMigrating,          kPdJbod,
+    kPdFailed,         kPdOffline,     kPdShield,      kPdAutoReplaceHotspare};
+static_assert(std::size(kSmartVariantState) == kPdIndexCount - kPdOtherSmart);
+
+// Drive codes with a SMART error that have an extended status of their own.
+constexpr int32_t kSmart = kSmartErrorBit;
+constexpr uint32_t kExt = a::kExtendedSmartBit;
+constexpr Pair kSmartCodes[] = {
+    {kSmart | kPdOperational, kExt | a::kDriveOperational},
+    {kSmart | kPdCopyback, kExt | a::kDriveCopyback},
+    {kSmart | kPdAvailable, kExt | a::kDriveAvailable},
+    {kSmart | kPdDedicatedHotspare, kExt | a::kDriveDedicatedHotspare},
+    {kSmart | kPdGlobalHotspare, kExt | a::kDriveGlobalHotspare},
+    {kSmart | kPdRebuilding, kExt | a::kDriveRebuilding},
+    {kPdCodeRebuildNecessarySmart, kExt | a::kDriveRebuildNecessarySmart},
+    {kSmart | kPdMigrating, kExt | a::kDriveMigrating},
+    {kSmart | kPdJbod, kExt | a::kDriveJbod},
+    {kSmart | kPdOffline, kExt | a::kDriveOffline},
+    {kSmart | kPdShield, kExt | a::kDriveShield},
+    {kSmart | kPdAutoReplaceHotspare, kExt | a::kDriveAutoReplaceHotspare},
+};
+
+constexpr Pair kAdapterStatuses[] = {{kStatusOk, a::kAdapterOk},
+                                     {kStatusWarning, a::kAdapterWarning},
+                                     {kStatusFailed, a::kAdapterFailed}};
+constexpr Pair kThreeWay[] = {{kStatusOk, a::kOverallOk},
+                              {kStatusWarning, a::kOverallWarning},
+                              {kStatusFailed, a::kOverallFailed}};
+constexpr Pair kComponentValues[] = {{kComponentGood, a::kOverallOk},
+                                     {kComponentWarning, a::kOverallWarning},
+                                     {kComponentFailed, a::kOverallFailed}};
+constexpr Pair kSmartFlags[] = {{kSmartNo, a::kSmartNoError}, {kSmartYes, a::kSmartError}};
+constexpr Pair kDriveTypes[] = {{kDriveScsi, a::kDriveTypeScsi},
+                                {kDriveSata, a::kDriveTypeSata},
+                                {kDriveSas, a::kDriveTypeSas},
+                                {kDriveNvme, a::kDriveTypeNvme},
+                                {kDrivePciExpress, a::kDriveTypePciExpress}};
+constexpr Pair kLogicalDriveStates[] = {{kLdOperational, a::kLogicalOperational},
+                                        {kLdDegraded, a::kLogicalDegraded},
+                                        {kLdPartiallyDegraded, a::kLogicalPartiallyDegraded},
+                                        {kLdFailed, a::kLogicalFailed},
+                                        {kLdImpacted, a::kLogicalImpacted}};
+constexpr Pair kBatteryStates[] = {
+    {kBatteryNormal, answer::kBatteryNormal},
+    {::kBatteryVoltageProblem, answer::kBatteryVoltageProblem},
+    {::kBatteryCharging, answer::kBatteryCharging},
+    {::kBatteryDischarging, answer::kBatteryDischarging},
+    {::kBatteryWarning, answer::kBatteryWarning},
+    {::kBatteryFailed, answer::kBatteryFailed},
+    {::kBatteryTemperatureProblem, answer::kBatteryTemperatureProblem}};
+constexpr Pair kLearnCycles[] = {{::kLearnCycleRequested, answer::kLearnCycleRequested},
+                                 {::kLearnCycleActive, answer::kLearnCycleActive},
+                                 {::kLearnCycleTimeout, answer::kLearnCycleTimedOut},
+                                 {::kLearnCycleFailed, answer::kLearnCycleFailed}};
+
 }  // namespace
 
-uint8_t DriveStatus(int32_t index) {
-    if (index > kLastIndex)
-        return kNoAnswer;
-    if (index >= kFirstSmartVariant)
-        index = kSmartVariantState[index - kFirstSmartVariant];
-    if (index < 0 || index > kLastPlainState)
-        return kNoAnswer;
-    if (index == 9)
-        return 10;
-    if (index == 10)
-        return 9;
-    return static_cast<uint8_t>(index);
+uint32_t AdapterStatus(int32_t value) {
+    return Lookup(kAdapterStatuses, value);
+}
+
+uint32_t DriveStatus(int32_t index) {
+    if (index >= kPdIndexCount)
+        return a::kNoAnswer;
+    if (index >= kPdOtherSmart)
+        index = kSmartVariantState[index - kPdOtherSmart];
+    return Lookup(kDriveStates, index);
 }
 
 uint32_t DriveExtendedStatus(int32_t code) {
-    switch (code) {
-        case 9:
-            return 10;
-        case 10:
-            return 9;
-        case 4096:
-            return 0x80;
-        case 4097:
-            return 0x81;
-        case 4098:
-            return 0x82;
-        case 4100:
-            return 0x84;
-        case 4101:
-            return 0x85;
-        case 4102:
-            return 0x86;
-        case 4103:
-            return 0x87;
-        case 4105:
-            return 0x8A;
-        case 4106:
-            return 0x89;
-        case 4109:
-            return 0x8D;
-        case 4110:
-            return 0x8E;
-        case 4111:
-            return 0x8F;
-        default:
-            break;
-    }
-    return (code >= 0 && code <= 15) ? static_cast<uint32_t>(code) : kNoAnswer;
+    return (code & kSmartErrorBit) ? Lookup(kSmartCodes, code) : Lookup(kDriveStates, code);
 }
 
-uint8_t ComponentValue(int32_t index) {
-    int32_t value = PhysicalDriveComponentValue(static_cast<uint32_t>(index));
-    return (value >= kComponentGood && value <= kComponentFailed) ? static_cast<uint8_t>(value) : 0;
+uint32_t ComponentValue(int32_t index) {
+    uint32_t mapped =
+        Lookup(kComponentValues, PhysicalDriveComponentValue(static_cast<uint32_t>(index)));
+    return mapped == a::kNoAnswer ? uint32_t{a::kOverallUnknown} : mapped;
 }
 
-uint8_t ThreeWay(int32_t value) {
-    return (value >= 0 && value <= 2) ? static_cast<uint8_t>(value + 1) : 0;
+uint32_t SmartFlag(int32_t flag) {
+    return Lookup(kSmartFlags, flag);
 }
 
-uint8_t DriveType(int32_t type) {
-    static constexpr uint8_t kTypes[] = {0, 7, 8, 15, 13};
-    return (type >= 0 && type <= 4) ? kTypes[type] : kNoAnswer;
+uint32_t ThreeWay(int32_t value) {
+    uint32_t mapped = Lookup(kThreeWay, value);
+    return mapped == a::kNoAnswer ? uint32_t{a::kOverallUnknown} : mapped;
 }
 
-uint8_t BatteryStatus(int32_t value) {
-    if (value >= 0 && value <= 6)
-        return static_cast<uint8_t>(value);
-    return value == 7 ? 8 : kNoAnswer;
+uint32_t DriveType(int32_t type) {
+    return Lookup(kDriveTypes, type);
 }
 
-uint8_t LearnCycle(int32_t value) {
-    static constexpr uint8_t kCycles[] = {0, 1, 2, 4, 3};
-    return (value >= 1 && value <= 4) ? kCycles[value] : kNoAnswer;
+uint32_t LogicalDriveStatus(int32_t value) {
+    return Lookup(kLogicalDriveStates, value);
+}
+
+uint32_t BatteryStatus(int32_t value) {
+    return Lookup(kBatteryStates, value);
+}
+
+uint32_t LearnCycle(int32_t value) {
+    return Lookup(kLearnCycles, value);
 }
 
 }  // namespace status_map

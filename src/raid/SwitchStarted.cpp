@@ -6,15 +6,11 @@
 
 namespace {
 
-constexpr uint32_t kOcCssHdd = 0x2113;
-constexpr uint32_t kOcCssBbu = 0x2114;
-// Statuses under 22 that count as an answer: 0, 12 and 21; and the event mark 255.
-constexpr uint32_t kAcceptedStatusMask = 0x201001;
-constexpr uint32_t kStatusEvent = 255;
-
+// The statuses of an answer that count: done, the two other answered ones, and the event mark.
 bool StatusAccepted(const CommandRecord& record) {
-    uint32_t st = record.GetField("ST", CommandRecord::kDefaultStatus);
-    return st == kStatusEvent || (st < 22 && ((kAcceptedStatusMask >> st) & 1));
+    uint32_t st = record.GetField("ST", status::kMissing);
+    return st == status::kOk || st == status::kAnsweredFirstAlt ||
+           st == status::kAnsweredSecondAlt || st == status::kEvent;
 }
 
 // The low 8 bits of the answer's data, 0 where there is none.
@@ -31,7 +27,7 @@ void EM_TLRAID::OnSwitchStarted() {
     if (m_bAgentlessSwitch) {
         m_bTestRequestsEnabled = true;
     } else {
-        CommandRecord answer(kOcCssHdd, 0, 0, g_nCabinetNumber, CommandRecord::kNoStatus);
+        CommandRecord answer(oc::kDisksCustomerReplaceable, 0, 0, g_nCabinetNumber, status::kNone);
         SendSwitchRequest(answer, m_Timings.nSwitchRequestTimeoutMs);
         if (StatusAccepted(answer) && answer.HasData()) {
             // The test gate follows the disk answer on an ordinary host.
@@ -40,7 +36,7 @@ void EM_TLRAID::OnSwitchStarted() {
         }
     }
     TLR_TRACE(2, "\nEM_TLRAID           : HDD %sCSS component", m_bCSS_HDD ? "" : "NOT ");
-    CommandRecord answer(kOcCssBbu, 0, 0, g_nCabinetNumber, CommandRecord::kNoStatus);
+    CommandRecord answer(oc::kBatteriesCustomerReplaceable, 0, 0, g_nCabinetNumber, status::kNone);
     SendSwitchRequest(answer, m_Timings.nSwitchRequestTimeoutMs);
     // An accepted status without data reads as "not replaceable".
     if (StatusAccepted(answer))

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 // Everything that ties the REST client to one host: the daemon's paths and port, the login
 // data and the time base. The shipped client uses these values and no others.
@@ -11,10 +12,16 @@ constexpr const char kLsofCommand[] =
     "lsof | grep -i tlrcd | grep -i INET | awk '{ print $5 }' | uniq";
 
 constexpr const char kScheme[] = "https://";
-// Port and path stand behind the host in every URL.
-constexpr const char kAuthPath[] = ":34246/api/v1/authJwt";
-constexpr const char kSdtPath[] = ":34246/api/v1/sdt/vbmc";
-constexpr const char kRedfishPath[] = ":34246/api/v1/redfishOp";
+// The daemon's fixed port and its endpoints: the login, the tree, the pass-through.
+constexpr uint16_t kDaemonPort = 34246;
+constexpr const char kAuthEndpoint[] = "/api/v1/authJwt";
+constexpr const char kSdtEndpoint[] = "/api/v1/sdt/vbmc";
+constexpr const char kRedfishEndpoint[] = "/api/v1/redfishOp";
+
+// Port and path as they stand behind the host in every URL: ":PORT/api/...".
+inline std::string PortAndPath(const char* endpoint) {
+    return ":" + std::to_string(kDaemonPort) + endpoint;
+}
 
 constexpr const char kClientId[] = "TLRM_CLIENT_TLAS";
 

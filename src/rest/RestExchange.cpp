@@ -14,6 +14,17 @@ void SetNoCertificateChecks(CURL* curl) {
 
 }  // namespace
 
+void TLRAIDRestClient::SetUpExchange(void* curl, const std::string& url, curl_slist* headers,
+                                     std::string& reply, uint32_t timeoutSec) {
+    curl_easy_setopt(curl, CURLOPT_URL, url.c_str());
+    SetNoCertificateChecks(curl);
+    curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headers);
+    curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, CurlWriteCallback);
+    curl_easy_setopt(curl, CURLOPT_WRITEDATA, &reply);
+    if (timeoutSec != 0)
+        curl_easy_setopt(curl, CURLOPT_TIMEOUT, static_cast<long>(timeoutSec));
+}
+
 size_t TLRAIDRestClient::CurlWriteCallback(char* data, size_t size, size_t count, void* userp) {
     TLR_TRACE(5, "\nTLRAIDRestClient: curl write callback invoked");
     const size_t bytes = size * count;
@@ -73,14 +84,8 @@ int32_t TLRAIDRestClient::SendGet(const std::string& url, std::string& reply, ui
         TLR_TRACE(2, "\nTLRAIDRestClient::SendGet: curl initialization failure");
         return CURLE_OK;
     }
-    curl_easy_setopt(curl.get(), CURLOPT_URL, url.c_str());
-    SetNoCertificateChecks(curl.get());
     CurlSlistPtr headers(AddAuthBearerHeader());
-    curl_easy_setopt(curl.get(), CURLOPT_HTTPHEADER, headers.get());
-    curl_easy_setopt(curl.get(), CURLOPT_WRITEFUNCTION, CurlWriteCallback);
-    curl_easy_setopt(curl.get(), CURLOPT_WRITEDATA, &reply);
-    if (timeoutSec != 0)
-        curl_easy_setopt(curl.get(), CURLOPT_TIMEOUT, static_cast<long>(timeoutSec));
+    SetUpExchange(curl.get(), url, headers.get(), reply, timeoutSec);
 
     TLR_TRACE(5, "\nTLRAIDRestClient::SendGet: Sending request...");
     const CURLcode rc = curl_easy_perform(curl.get());
@@ -108,15 +113,9 @@ int32_t TLRAIDRestClient::SendPost(const std::string& url, const std::string& bo
     std::string postBody = body;
     postBody.erase(std::remove(postBody.begin(), postBody.end(), '\\'), postBody.end());
 
-    curl_easy_setopt(curl.get(), CURLOPT_URL, url.c_str());
-    SetNoCertificateChecks(curl.get());
     CurlSlistPtr headers(AddAuthBearerHeader());
-    curl_easy_setopt(curl.get(), CURLOPT_HTTPHEADER, headers.get());
+    SetUpExchange(curl.get(), url, headers.get(), response, timeoutSec);
     curl_easy_setopt(curl.get(), CURLOPT_POSTFIELDS, postBody.c_str());
-    curl_easy_setopt(curl.get(), CURLOPT_WRITEFUNCTION, CurlWriteCallback);
-    curl_easy_setopt(curl.get(), CURLOPT_WRITEDATA, &response);
-    if (timeoutSec != 0)
-        curl_easy_setopt(curl.get(), CURLOPT_TIMEOUT, static_cast<long>(timeoutSec));
 
     const CURLcode rc = curl_easy_perform(curl.get());
     if (rc != CURLE_OK) {

@@ -9,6 +9,7 @@
 
 #include "rest/JsonReply.h"
 #include "runtime/DebugClient.h"
+#include "runtime/Pipe.h"
 
 namespace tlr_rest {
 
@@ -23,11 +24,6 @@ int64_t SystemNowNanos() {
 namespace {
 
 constexpr size_t kLsofLineSize = 256;
-
-struct PipeClose {
-    void operator()(FILE* pipe) const { pclose(pipe); }
-};
-using PipePtr = std::unique_ptr<FILE, PipeClose>;
 
 // Every public exchange ends with a global cleanup, without a matching init at its start:
 // libcurl counts the calls, and the next easy handle brings the library up again.
@@ -100,7 +96,8 @@ bool TLRAIDRestClient::GetXmlSdt(std::string& xml, uint32_t timeoutSec) {
 bool TLRAIDRestClient::SendRedfishRequest(const std::string& body, std::string& reply,
                                           uint32_t timeoutSec) {
     CurlGlobalCleanupAtEnd cleanup;
-    // The text names the tree request: that is how this line has always read.
+    // Both exchanges with the daemon open under the tree request's name: a trace shows
+    // each daemon session's start by the same line.
     TLR_TRACE(5, "\nTLRAIDRestClient::GetXmlSdt");
 
     std::string host;

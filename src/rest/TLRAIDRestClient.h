@@ -11,9 +11,9 @@ struct curl_slist;
 // What a client is built with. The defaults are the daemon's fixed values; tests give others.
 struct TLRAIDRestClientSettings {
     std::string sLsofCommand = tlr_rest::kLsofCommand;
-    std::string sAuthPath = tlr_rest::kAuthPath;
-    std::string sSdtPath = tlr_rest::kSdtPath;
-    std::string sRedfishPath = tlr_rest::kRedfishPath;
+    std::string sAuthPath = tlr_rest::PortAndPath(tlr_rest::kAuthEndpoint);
+    std::string sSdtPath = tlr_rest::PortAndPath(tlr_rest::kSdtEndpoint);
+    std::string sRedfishPath = tlr_rest::PortAndPath(tlr_rest::kRedfishEndpoint);
     int64_t nTokenLifetime = tlr_rest::kTokenLifetime;
     tlr_rest::NowFunction pNow = tlr_rest::SystemNowNanos;
 };
@@ -54,6 +54,10 @@ class TLRAIDRestClient {
     int32_t SendGet(const std::string& url, std::string& reply, uint32_t timeoutSec);
     int32_t SendPost(const std::string& url, const std::string& body, std::string& reply,
                      uint32_t timeoutSec);
+    // What a GET and a POST set alike on an easy handle (CURL*): the URL, no certificate
+    // checks, the headers, the reply's buffer, and the time-out unless it is 0.
+    static void SetUpExchange(void* curl, const std::string& url, curl_slist* headers,
+                              std::string& reply, uint32_t timeoutSec);
     // Appends what libcurl received to the string behind userp.
     static size_t CurlWriteCallback(char* data, size_t size, size_t count, void* userp);
 

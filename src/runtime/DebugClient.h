@@ -60,7 +60,7 @@ class CDebugClient : public CDebugTraceConfig {
     Clock m_Clock;
 };
 
-// The one instance of the process, built at load for the module "EM_TLRAID".
+// The one instance of the process, built at load; the module names itself by Initialize.
 extern CDebugClient& g_DebugClient;
 
 // A trace call site: one flag test when tracing is off.

@@ -81,9 +81,11 @@ constexpr StatusWord kThreeWayWords[] = {
     {"OK", kStatusOk}, {"Warning", kStatusWarning}, {"Failed", kStatusFailed}};
 
 constexpr StatusWord kAdapterTypeWords[] = {
-    {"SCSI", kAdapterScsi}, {"ATAPI", kAdapterAtapi}, {"ATA", kAdapterAta}, {"1394", kAdapter1394},
-    {"SSA", kAdapterSsa},   {"FIBRE", kAdapterFibre}, {"USB", kAdapterUsb}, {"SATA", kAdapterSata},
-    {"SAS", kAdapterSas},   {"PCIe", kAdapterPcie},
+    {"SCSI", answer::kAdapterScsi}, {"ATAPI", answer::kAdapterAtapi},
+    {"ATA", answer::kAdapterAta},   {"1394", answer::kAdapter1394},
+    {"SSA", answer::kAdapterSsa},   {"FIBRE", answer::kAdapterFibre},
+    {"USB", answer::kAdapterUsb},   {"SATA", answer::kAdapterSata},
+    {"SAS", answer::kAdapterSas},   {"PCIe", answer::kAdapterPcie},
 };
 
 // SMART in capitals marks a SMART state; the lower-case spellings don't count here.

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "frame/SwitchProtocol.h"
+
 // The maps from the storage tree's words to the numbers that the module hands on. Each map
 // has its own space of numbers; they are not aligned with one another on purpose. Words are
 // compared without regard to case, top to bottom; "contains" tests respect case.
@@ -99,19 +101,6 @@ enum LearnCycleStatus : int32_t {
 // Enclosures, adapters and the multiplexer's totals.
 enum ThreeWayStatus : int32_t { kStatusOk = 0, kStatusWarning = 1, kStatusFailed = 2 };
 
-enum AdapterType : int32_t {
-    kAdapterScsi = 0,
-    kAdapterAtapi = 1,
-    kAdapterAta = 2,
-    kAdapter1394 = 3,
-    kAdapterSsa = 4,
-    kAdapterFibre = 5,
-    kAdapterUsb = 6,
-    kAdapterSata = 7,
-    kAdapterSas = 8,
-    kAdapterPcie = 9,
-};
-
 // A word and its number.
 struct StatusWord {
     const char* pszWord;
@@ -132,4 +121,5 @@ int32_t PhysicalDriveTypeFromText(const char* pszWord);
 int32_t LogicalDriveStatusFromText(const char* pszWord);
 int32_t BatteryStatusFromText(const char* pszWord);
 int32_t ThreeWayStatusFromText(const char* pszWord);
+// Adapter types are the numbers a client receives (answer::AdapterType).
 int32_t AdapterTypeFromText(const char* pszWord);

@@ -29,6 +29,9 @@ class CTLRaidData : public CXmlDoc {
     bool GetAdapterData(CXmlDoc& out, uint32_t nIndex);            // cuts out the nIndex-th Adapter
     bool GetPhysicalDiskOverallComponentStatus(int32_t& nStatus);  // 0, or 1 to 3
     bool GetBbuOverallComponentStatus(uint32_t& nStatus);          // highest ComponentStatus
+    // The SMART flag of all drives of all adapters: kSmartYes at the first drive that has a
+    // SMART error, else kSmartNo if any drive says so, else kNotMapped.
+    int32_t GetSmartFlagOfAllDrives();
 
     // Adapter document: the first Adapter in it is meant.
     bool GetAdapterPciAddress(AdapterPciAddress& address);
@@ -42,8 +45,20 @@ class CTLRaidData : public CXmlDoc {
     bool GetEnclosureData(CXmlDoc& out, uint32_t nIndex);
     bool GetEnclosureIndexOfDrive(uint32_t& nIndex, CXmlDoc& drive);
     bool GetEnclosureIndex(uint32_t& nIndex, CXmlDoc& enclosure);
+    uint32_t GetLogicalDriveCount();  // LogicalDrive children of Adapter
+    uint32_t GetBatteryCount();       // Battery children of Adapter
+    uint32_t GetPortCount();          // Port children of Ports; 0 without Ports
+
+    // Any sub-document: the text of the root's child Name, whatever the root is.
+    bool GetName(std::string& sName);
+    // Numbers read in base 10; false when the root or the child is missing.
+    bool GetPhysicalDriveSize(uint64_t& nSize);         // PhysicalSize
+    bool GetLogicalDriveSize(uint64_t& nSize);          // LogicalSize
+    bool GetLogicalDrivePhysicalSize(uint64_t& nSize);  // PhysicalSize
+    bool GetLogicalDriveRaidLevel(std::string& sLevel);
 
     // Property reads: the text of the root's first child of that name.
+    bool GetAdapterProperty(std::string& sValue, const char* pszName);
     bool GetPhysicalDriveProperty(std::string& sValue, const char* pszName);
     bool GetPortProperty(std::string& sValue, const char* pszName);
     bool GetLogicalDriveProperty(std::string& sValue, const char* pszName);

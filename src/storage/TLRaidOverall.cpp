@@ -84,3 +84,22 @@ bool CTLRaidData::GetBbuOverallComponentStatus(uint32_t& nStatus) {
     }
     return bSeen;
 }
+
+int32_t CTLRaidData::GetSmartFlagOfAllDrives() {
+    int32_t nFlag = kNotMapped;
+    CTLRaidData adapter;
+    for (uint32_t a = 0; nFlag != kSmartYes && GetAdapterData(adapter, a); ++a) {
+        CTLRaidData drive;
+        for (uint32_t d = 0; adapter.GetPhysicalDriveData(drive, d); ++d) {
+            int32_t nDriveFlag = drive.GetPhysicalDriveSmartFlag();
+            if (nDriveFlag == kSmartNo) {
+                nFlag = kSmartNo;
+            }
+            if (nDriveFlag == kSmartYes) {
+                nFlag = kSmartYes;
+                break;
+            }
+        }
+    }
+    return nFlag;
+}

@@ -201,7 +201,7 @@ TEST(CommandRecordTest, CabinetAddress) {
 }
 
 TEST(CommandRecordTest, ConstructorLeavesOutZeroCodesAndMissingStatus) {
-    CommandRecord request(0x2110, 0, 0, 3, CommandRecord::kNoStatus);
+    CommandRecord request(0x2110, 0, 0, 3, status::kNone);
     EXPECT_EQ(request.ToJson(), "{\"SIP\":{\"V\":1,\"CMD\":[{\"OC\":8464,\"CA\":3}]}}");
     EXPECT_EQ(request.GetField("OE", 5), 5u);
     CommandRecord full(1, 2, 3, 0xFFFFFFFF, 0);

@@ -106,14 +106,14 @@ TEST(ExtensionModuleTest, SwitchRequestAddsTheCabinetUnlessOneIsThere) {
     FakeSwitch sw;
     TestModule module;
     module.Start(&sw, 0);
-    CommandRecord request(0x2110, 0, 0, 0, CommandRecord::kNoStatus);
+    CommandRecord request(0x2110, 0, 0, 0, status::kNone);
     request.Document()["SIP"]["CMD"][0].RemoveMember("CA");
     module.SendSwitchRequest(request, 5000);
     EXPECT_EQ(sw.requests.back(), "{\"SIP\":{\"V\":1,\"CMD\":[{\"OC\":8464,\"CA\":3}]}}");
     EXPECT_EQ(sw.lastTimeout, 5000u);
     EXPECT_EQ(request.GetField("DA", 0), 1u);
 
-    CommandRecord addressed(0x2110, 0, 0, 7, CommandRecord::kNoStatus);
+    CommandRecord addressed(0x2110, 0, 0, 7, status::kNone);
     module.SendSwitchRequest(addressed, 1);
     EXPECT_EQ(addressed.GetField("CA", 0), 7u);
     g_nCabinetNumber = 0;
@@ -121,7 +121,7 @@ TEST(ExtensionModuleTest, SwitchRequestAddsTheCabinetUnlessOneIsThere) {
 
 TEST(ExtensionModuleTest, WithoutSwitchRequestsFailAndEventsKeepTheirStatus) {
     TestModule module;
-    CommandRecord request(1, 0, 0, 0, CommandRecord::kNoStatus);
+    CommandRecord request(1, 0, 0, 0, status::kNone);
     module.SendSwitchRequest(request, 1);
     EXPECT_EQ(request.GetField("ST", 0), 6u);
     CommandRecord event(1, 0, 0, 0, 3);
@@ -137,7 +137,7 @@ TEST(ExtensionModuleTest, EventsCarryStatus255DuringTheCall) {
     module.SendSwitchEvent(event);
     EXPECT_EQ(sw.statusDuringEvent, 255u);
     EXPECT_EQ(event.GetField("ST", 0), 4u);
-    CommandRecord noStatus(1, 0, 0, 0, CommandRecord::kNoStatus);
+    CommandRecord noStatus(1, 0, 0, 0, status::kNone);
     module.SendSwitchEvent(noStatus);
     EXPECT_EQ(noStatus.GetField("ST", 0), 22u);
 }

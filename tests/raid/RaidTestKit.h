@@ -11,6 +11,7 @@
 #include "frame/CommandRecord.h"
 #include "frame/Switch.h"
 #include "raid/EM_TLRAID.h"
+#include "rest/RestConstants.h"
 #include "storage/TLRaidData.h"
 #include "support/SandboxHost.h"
 #include "support/TempDir.h"
@@ -53,7 +54,7 @@ class RaidModuleTest : public ::testing::Test {
     void StartSimulator();
     void ServeTree(const std::string& xml) { ReplaceFile(m_sTreePath, xml); }
     void SetFaults(const std::string& controlJson) { ReplaceFile(m_sControlPath, controlJson); }
-    size_t TreeRequests() const { return m_pSim ? m_pSim->Requests("/api/v1/sdt/vbmc") : 0; }
+    size_t TreeRequests() const { return m_pSim ? m_pSim->Requests(tlr_rest::kSdtEndpoint) : 0; }
 
     // A new module with the test timings, started on the fake switch unless told otherwise.
     EM_TLRAID& MakeModule(bool start = true);

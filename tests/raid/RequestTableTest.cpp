@@ -177,6 +177,65 @@ TEST_F(RequestTableTest, LogicalDrivesBatteriesPortsEnclosures) {
         EXPECT_EQ(Answer(r.oc, r.oe, r.oi, 1, r.da), r.want) << Describe(r);
 }
 
+// Adapter and overall statuses at their failed end, and the SMART state of all drives,
+// where the adapter that decides is not the first.
+TEST_F(RequestTableTest, FailedStatusesAndSmartAcrossAdapters) {
+    auto tree = [](const char* adapters, const char* first, const char* second) {
+        return std::string("<amEMTL Version=\"2\"><System><Multiplexer><Status>Operational") +
+               "</Status><StatusOverall>Failed</StatusOverall><StatusAdapters>" + adapters +
+               "</StatusAdapters></Multiplexer>" + "<Adapter><Status>Failed</Status><Ports><Port>" +
+               first + "</Port></Ports>" + "</Adapter><Adapter><Status>OK</Status><Ports><Port>" +
+               second + "</Port></Ports></Adapter></System></amEMTL>";
+    };
+    auto drive = [](const char* status) {
+        return std::string("<PhysicalDrive><Status>") + status + "</Status></PhysicalDrive>";
+    };
+    struct Case {
+        std::string xml;
+        const char* adapters;  // 0x2121
+        const char* smart;     // 0x2125
+    } cases[] = {
+        // No statement in the first adapter, an error in the second behind a clean drive.
+        {tree("Failed", drive("Failed").c_str(),
+              (drive("Operational") + drive("Operational SMART Error")).c_str()),
+         R"({"ST":0,"DA":3})", R"({"ST":0,"DA":1})"},
+        // An error in the first adapter wins over a clean drive in the second.
+        {tree("Warning", drive("Hotspare SMART Error").c_str(), drive("Operational").c_str()),
+         R"({"ST":0,"DA":2})", R"({"ST":0,"DA":1})"},
+        // A clean drive in the first adapter doesn't end the walk: the error in the second
+        // counts.
+        {tree("Failed", drive("Operational").c_str(), drive("Rebuilding SMART Error").c_str()),
+         R"({"ST":0,"DA":3})", R"({"ST":0,"DA":1})"},
+        // Only the second adapter says anything: no error.
+        {tree("OK", drive("Failed").c_str(), drive("Operational").c_str()), R"({"ST":0,"DA":1})",
+         R"({"ST":0,"DA":0})"},
+        // No drive says anything.
+        {tree("Bogus", drive("Failed").c_str(), drive("Unknown").c_str()), R"({"ST":0,"DA":0})",
+         R"({"ST":0,"DA":255})"},
+    };
+    uint32_t client = 10;
+    for (const Case& c : cases) {
+        ServeTree(c.xml);
+        ++client;  // a new client fetches the new tree
+        EXPECT_EQ(Answer(0x2116, 0, 0, client), R"({"ST":0,"DA":2})") << c.xml;
+        EXPECT_EQ(Answer(0x2120, 0, 0, client), R"({"ST":0,"DA":3})") << c.xml;
+        EXPECT_EQ(Answer(0x2121, 0, 0, client), c.adapters) << c.xml;
+        EXPECT_EQ(Answer(0x2125, 0, 0, client), c.smart) << c.xml;
+    }
+}
+
+// Enclosures past the first of an adapter, numbered from 0 in each adapter.
+TEST_F(RequestTableTest, EnclosuresOfSeveralAdapters) {
+    ServeTree(SampleTree("two-adapters-enclosures.xml"));
+    const Row rows[] = {
+        {0x2190, 0, 0, "", R"({"ST":0,"DA":2})"}, {0x219C, 0, 0, "", R"({"ST":0,"DA":0})"},
+        {0x219C, 0, 1, "", R"({"ST":0,"DA":1})"}, {0x219C, 1, 1, "", R"({"ST":0,"DA":1})"},
+        {0x219C, 0, 2, "", R"({"ST":2})"},
+    };
+    for (const Row& r : rows)
+        EXPECT_EQ(Answer(r.oc, r.oe, r.oi, 2, r.da), r.want) << Describe(r);
+}
+
 TEST_F(RequestTableTest, CodesWithoutRowsAnswerUnknownAndReturnZero) {
     struct Code {
         uint32_t oc, oe;

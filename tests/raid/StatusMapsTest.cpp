@@ -23,10 +23,11 @@ TEST(StatusMapsTest, ExtendedStatusKeepsPlainCodesAndMarksSmartOnes) {
         int32_t code;
         uint32_t want;
     } rows[] = {
-        {0, 0},       {8, 8},       {9, 10},      {10, 9},      {11, 11},     {15, 15},
-        {16, 255},    {-1, 255},    {4096, 0x80}, {4097, 0x81}, {4098, 0x82}, {4099, 255},
-        {4100, 0x84}, {4103, 0x87}, {4104, 255},  {4105, 0x8A}, {4106, 0x89}, {4107, 255},
-        {4108, 255},  {4109, 0x8D}, {4111, 0x8F}, {4112, 255},
+        {0, 0},       {8, 8},        {9, 10},      {10, 9},      {11, 11},     {15, 15},
+        {16, 255},    {-1, 255},     {4096, 0x80}, {4097, 0x81}, {4098, 0x82}, {4099, 255},
+        {4100, 0x84}, {4101, 0x85},  {4102, 0x86}, {4103, 0x87}, {4104, 255},  {4105, 0x8A},
+        {4106, 0x89}, {4107, 255},   {4108, 255},  {4109, 0x8D}, {4110, 0x8E}, {4111, 0x8F},
+        {4112, 255},  {0x3000, 255},
     };
     for (const Row& r : rows)
         EXPECT_EQ(status_map::DriveExtendedStatus(r.code), r.want) << r.code;
@@ -49,15 +50,6 @@ TEST(StatusMapsTest, SmallMaps) {
     for (int c = 1; c <= 4; ++c)
         EXPECT_EQ(status_map::LearnCycle(c), cycles[c - 1]);
     EXPECT_EQ(status_map::LearnCycle(-1), 255);
-}
-
-TEST(StatusMapsTest, ComponentValueOfDriveIndexes) {
-    const uint8_t table[] = {1, 1, 1, 3, 1, 1, 2, 2, 3, 1, 1, 3, 3, 3, 3,
-                             1, 2, 2, 2, 0, 2, 2, 2, 2, 2, 2, 0, 0, 2, 2};
-    for (int i = 0; i < 30; ++i)
-        EXPECT_EQ(status_map::ComponentValue(i), table[i]) << i;
-    EXPECT_EQ(status_map::ComponentValue(-1), 0);
-    EXPECT_EQ(status_map::ComponentValue(30), 0);
 }
 
 }  // namespace

@@ -2,12 +2,13 @@
 // CM_RaidStatusCustomerReplaceable that they decide.
 #include "RaidTestKit.h"
 #include "frame/CabinetNumber.h"
+#include "support/CaptureTraceServer.h"
 
 namespace {
 
-constexpr uint32_t kCssHdd = 0x2113;
-constexpr uint32_t kCssBbu = 0x2114;
-constexpr uint32_t kCustomerReplaceable = 0x212A;
+constexpr uint32_t kCssHdd = oc::kDisksCustomerReplaceable;
+constexpr uint32_t kCssBbu = oc::kBatteriesCustomerReplaceable;
+constexpr uint32_t kCustomerReplaceable = oc::CM_RaidStatusCustomerReplaceable;
 
 // A tree whose disks are in this state (OK or Failed) and whose battery has this component
 // status.
@@ -95,6 +96,10 @@ TEST_F(SwitchStartedTest, CustomerReplaceableAnswerFollowsTheFlagsAndTheTree) {
         {"Failed", 0, R"({"ST":0,"DA":0})", R"({"ST":0,"DA":1})", R"({"ST":0,"DA":0})"},
         // A failed battery the customer may not replace: 0, whatever the disks say.
         {"OK", 3, R"({"ST":0,"DA":1})", R"({"ST":0,"DA":0})", R"({"ST":0,"DA":0})"},
+        // A battery in warning counts as well as a failed one.
+        {"OK", 2, R"({"ST":0,"DA":1})", R"({"ST":0,"DA":0})", R"({"ST":0,"DA":0})"},
+        // Disks in warning the customer may not replace: 0, as for failed ones.
+        {"Warning", 1, R"({"ST":0,"DA":0})", R"({"ST":0,"DA":0})", R"({"ST":0,"DA":0})"},
         // Healthy disks that aren't replaceable and a replaceable battery: 0 all the same.
         {"OK", 1, R"({"ST":0,"DA":0})", R"({"ST":0,"DA":1})", R"({"ST":0,"DA":0})"},
         {"OK", 1, R"({"ST":0,"DA":1})", R"({"ST":0,"DA":1})", R"({"ST":0,"DA":1})"},
@@ -108,6 +113,19 @@ TEST_F(SwitchStartedTest, CustomerReplaceableAnswerFollowsTheFlagsAndTheTree) {
         m_pModule->Stop();
         m_bStarted = false;
     }
+}
+
+// The overall values behind the answer, as its trace tells them: disks in warning are 2,
+// a battery in warning 2.
+TEST_F(SwitchStartedTest, CustomerReplaceableTracesTheOverallValues) {
+    ServeSample("demo.xml");
+    ServeTree(Tree("Warning", 2));
+    Started(1, R"({"ST":0,"DA":0})", R"({"ST":0,"DA":0})");
+    ScopedTraceLevel trace(3);
+    EXPECT_EQ(Answer(kCustomerReplaceable, 0, 0, 1), R"({"ST":0,"DA":0})");
+    std::string t = Debug.Take();
+    EXPECT_NE(t.find("m_bCSS_HDD = 0, Physical driver overal status = 2"), std::string::npos);
+    EXPECT_NE(t.find("m_bCSS_BBU = 0, Battery Backup Unit overall status = 2"), std::string::npos);
 }
 
 TEST_F(SwitchStartedTest, WithTheServiceDownItStillEnds) {

@@ -12,12 +12,13 @@
 #include <vector>
 
 #include "RunCommand.h"
+#include "rest/RestConstants.h"
 
 namespace {
 
-constexpr char kLoginPath[] = "/api/v1/authJwt";
-constexpr char kTreePath[] = "/api/v1/sdt/vbmc";
-constexpr char kRedfishPath[] = "/api/v1/redfishOp";
+constexpr const char* kLoginPath = tlr_rest::kAuthEndpoint;
+constexpr const char* kTreePath = tlr_rest::kSdtEndpoint;
+constexpr const char* kRedfishPath = tlr_rest::kRedfishEndpoint;
 
 // Quotes, a backslash and a non-ASCII letter, so that JSON escapes must be undone.
 constexpr char kTree[] =

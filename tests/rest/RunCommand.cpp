@@ -3,22 +3,15 @@
 #include <sys/wait.h>
 
 #include <cstdio>
-#include <memory>
 
-namespace {
-
-struct PipeClose {
-    void operator()(FILE* pipe) const { pclose(pipe); }
-};
-
-}  // namespace
+#include "runtime/Pipe.h"
 
 CommandResult RunCommand(const std::string& command) {
     CommandResult result;
     FILE* raw = popen(command.c_str(), "r");
     if (!raw)
         return result;
-    std::unique_ptr<FILE, PipeClose> pipe(raw);
+    PipePtr pipe(raw);
     char buffer[4096];
     size_t count = 0;
     while ((count = fread(buffer, 1, sizeof buffer, raw)) > 0)

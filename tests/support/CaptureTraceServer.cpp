@@ -5,9 +5,20 @@
 #include <cstdlib>
 #include <vector>
 
+#include "raid/EM_TLRAID.h"
 #include "runtime/DebugClient.h"
 
 __attribute__((visibility("default"))) CaptureTraceServer Debug;
+
+namespace {
+
+// Test programs name the module to the trace client at load, as the module does.
+struct CTraceNameAtLoad {
+    CTraceNameAtLoad() { g_DebugClient.Initialize(EM_TLRAID::kModuleName); }
+};
+__attribute__((init_priority(102))) CTraceNameAtLoad g_TraceNameAtLoad;
+
+}  // namespace
 
 void CaptureTraceServer::Append(const char* format, va_list* args, const char* moduleName) {
     if (!format)
@@ -47,7 +58,7 @@ std::vector<std::string> CaptureTraceServer::TakeMessages() {
 
 bool EnableTracing(int level) {
     setenv("TL_LOG_DEBUG_LEVEL", std::to_string(level).c_str(), 1);
-    g_DebugClient.Initialize("EM_TLRAID");
+    g_DebugClient.Initialize(EM_TLRAID::kModuleName);
     return g_DebugClient.IsEnabled();
 }
 

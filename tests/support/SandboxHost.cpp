@@ -17,16 +17,26 @@
 #include <stdexcept>
 #include <thread>
 
+#include "raid/RaidSettings.h"
+#include "rest/RestConstants.h"
 #include "support/Process.h"
 
 namespace {
 
 constexpr char kStateDir[] = "/run/tlr-sandbox";
-constexpr char kInstallMark[] = "/opt/BrennockTLRC/bin/tlrcd";
-constexpr char kPidFile[] = "/var/run/vmware/daemon-BrennockTLRC-tlrcd.pid";
-constexpr uint16_t kDaemonPort = 34246;
+constexpr const char* kPidFile = raid_host::kPidFiles[0];
+constexpr uint16_t kDaemonPort = tlr_rest::kDaemonPort;
 constexpr int kReadyTries = 200;  // of 25 ms
 constexpr long kTmpfsMagic = 0x01021994;
+
+// The first install mark under /opt, where the sandbox's tmpfs lets a test write.
+std::string InstallMark() {
+    for (const char* path : raid_host::kInstallMarks) {
+        if (std::string(path).rfind("/opt/", 0) == 0)
+            return path;
+    }
+    throw std::logic_error("no install mark under /opt");
+}
 
 void Require() {
     if (!sandbox_host::Inside()) {
@@ -65,10 +75,10 @@ bool Inside() {
 
 void SetInstalled(bool installed) {
     if (installed) {
-        WriteFile(kInstallMark, "");
+        WriteFile(InstallMark(), "");
     } else {
         Require();
-        std::filesystem::remove(kInstallMark);
+        std::filesystem::remove(InstallMark());
     }
 }
 

@@ -34,7 +34,7 @@ class ProbeModule : public CExtensionModule {
         uint32_t oi = record->GetField("OI", 0);
         switch (oc) {
             case 1: {
-                CommandRecord request(oe, 0, 0, 0, CommandRecord::kNoStatus);
+                CommandRecord request(oe, 0, 0, 0, status::kNone);
                 request.Document()["SIP"]["CMD"][0].RemoveMember("CA");
                 SendSwitchRequest(request, oi);
                 record->SetField("DA2", rapidjson::Value(request.GetField("DA", 0)));

@@ -14,48 +14,12 @@ namespace {
 namespace words = inventory_words;
 
 constexpr uint32_t kClientId = 1;
-constexpr uint32_t kStatusOk = 0;
-
-// Object codes that a client of the switch asks.
-enum : uint32_t {
-    kAdapterCount = 0x2110,
-    kAdapterName = 0x2111,
-    kAdapterType = 0x2112,
-    kAdapterStatus = 0x2116,
-    kAdapterDeviceId = 0x2117,
-    kOverallStatus = 0x2120,
-    kAdaptersStatus = 0x2121,
-    kLogicalDrivesStatus = 0x2122,
-    kDisksStatus = 0x2123,
-    kDriveCount = 0x2130,
-    kDriveStatus = 0x2131,
-    kDriveSmart = 0x2132,
-    kDriveName = 0x2133,
-    kDriveType = 0x2134,
-    kDriveSize = 0x2135,
-    kLdCount = 0x2150,
-    kLdStatus = 0x2151,
-    kLdName = 0x2152,
-    kLdSize = 0x2153,
-    kLdPhysicalSize = 0x2154,
-    kLdRaidLevel = 0x2155,
-    kBatteryCount = 0x2160,
-    kBatteryName = 0x2161,
-    kBatteryStatus = 0x2162,
-    kBatteryLearnCycle = 0x2163,
-    kPortCount = 0x2180,
-    kPortName = 0x2181,
-    kEnclosureCount = 0x2190,
-    kEnclosureName = 0x2191,
-    kEnclosureStatus = 0x2192,
-};
-
 // One answer of the module: its status and its data as a number or a text.
 struct Reply {
     uint32_t status = 0;
     uint64_t number = 0;
     std::string text;
-    bool Ok() const { return status == kStatusOk; }
+    bool Ok() const { return status == status::kOk; }
 };
 
 class Client {
@@ -70,7 +34,7 @@ class Client {
         record.SetJson(json);
         m_Module.ModuleRequest(&record);
         Reply reply;
-        reply.status = record.GetField("ST", CommandRecord::kDefaultStatus);
+        reply.status = record.GetField("ST", status::kMissing);
         const rapidjson::Value* cmd = record.Command(0);
         const rapidjson::Value* da = cmd ? CommandRecord::FindMember(*cmd, "DA") : nullptr;
         if (da && da->IsUint64())
@@ -98,11 +62,11 @@ class Client {
 
     static std::string NoAnswer(uint32_t status) {
         switch (status) {
-            case 2:
+            case status::kNoSuchObject:
                 return "(no such object)";
-            case 6:
+            case status::kNoRaidData:
                 return "(no RAID data)";
-            case 19:
+            case status::kNotAvailable:
                 return "(not available)";
             default:
                 return "(status " + std::to_string(status) + ")";
@@ -119,39 +83,42 @@ std::string Size(Client& c, uint32_t oc, uint32_t oe, uint32_t oi, const char* u
 }
 
 void PrintAdapter(Client& c, uint32_t a) {
-    printf("\nAdapter %u: %s\n", a, c.Text(kAdapterName, 0, a).c_str());
+    printf("\nAdapter %u: %s\n", a, c.Text(oc::kAdapterName, 0, a).c_str());
     printf("  type %s, status %s, PCI device id %s\n",
-           c.Show(kAdapterType, 0, a, words::AdapterType).c_str(),
-           c.Show(kAdapterStatus, 0, a, words::AdapterStatus).c_str(),
-           c.Text(kAdapterDeviceId, 0, a).c_str());
+           c.Show(oc::kAdapterType, 0, a, words::AdapterType).c_str(),
+           c.Show(oc::kAdapterStatus, 0, a, words::AdapterStatus).c_str(),
+           c.Text(oc::kAdapterDeviceId, 0, a).c_str());
 
     TextTable drives({"#", "name", "type", "status", "SMART", "size"});
-    for (uint32_t d = 0, n = c.Count(kDriveCount, a); d < n; ++d) {
-        drives.Add({std::to_string(d), c.Text(kDriveName, a, d),
-                    c.Show(kDriveType, a, d, words::DriveType),
-                    c.Show(kDriveStatus, a, d, words::DriveStatus),
-                    c.Show(kDriveSmart, a, d, words::SmartFlag), Size(c, kDriveSize, a, d, "MB")});
+    for (uint32_t d = 0, n = c.Count(oc::kDriveCount, a); d < n; ++d) {
+        drives.Add({std::to_string(d), c.Text(oc::kDriveName, a, d),
+                    c.Show(oc::kDriveType, a, d, words::DriveType),
+                    c.Show(oc::kDriveStatus, a, d, words::DriveStatus),
+                    c.Show(oc::kDriveSmartFlag, a, d, words::SmartFlag),
+                    Size(c, oc::kDriveSize, a, d, "MB")});
     }
     TextTable logical({"#", "name", "status", "RAID level", "size", "physical size"});
-    for (uint32_t l = 0, n = c.Count(kLdCount, a); l < n; ++l) {
-        logical.Add({std::to_string(l), c.Text(kLdName, a, l),
-                     c.Show(kLdStatus, a, l, words::LogicalDriveStatus), c.Text(kLdRaidLevel, a, l),
-                     Size(c, kLdSize, a, l, "MB"), Size(c, kLdPhysicalSize, a, l, "MB")});
+    for (uint32_t l = 0, n = c.Count(oc::kLogicalDriveCount, a); l < n; ++l) {
+        logical.Add({std::to_string(l), c.Text(oc::kLogicalDriveName, a, l),
+                     c.Show(oc::kLogicalDriveStatus, a, l, words::LogicalDriveStatus),
+                     c.Text(oc::kLogicalDriveRaidLevel, a, l),
+                     Size(c, oc::kLogicalDriveSize, a, l, "MB"),
+                     Size(c, oc::kLogicalDrivePhysicalSize, a, l, "MB")});
     }
     TextTable batteries({"#", "name", "status", "learn cycle"});
-    for (uint32_t b = 0, n = c.Count(kBatteryCount, a); b < n; ++b) {
-        batteries.Add({std::to_string(b), c.Text(kBatteryName, a, b),
-                       c.Show(kBatteryStatus, a, b, words::BatteryStatus),
-                       c.Show(kBatteryLearnCycle, a, b, words::LearnCycle)});
+    for (uint32_t b = 0, n = c.Count(oc::kBatteryCount, a); b < n; ++b) {
+        batteries.Add({std::to_string(b), c.Text(oc::kBatteryName, a, b),
+                       c.Show(oc::kBatteryStatus, a, b, words::BatteryStatus),
+                       c.Show(oc::kBatteryLearnCycle, a, b, words::LearnCycle)});
     }
     TextTable ports({"#", "name"});
-    for (uint32_t p = 0, n = c.Count(kPortCount, a); p < n; ++p) {
-        ports.Add({std::to_string(p), c.Text(kPortName, a, p)});
+    for (uint32_t p = 0, n = c.Count(oc::kPortCount, a); p < n; ++p) {
+        ports.Add({std::to_string(p), c.Text(oc::kPortName, a, p)});
     }
     TextTable enclosures({"#", "name", "status"});
-    for (uint32_t e = 0, n = c.Count(kEnclosureCount, a); e < n; ++e) {
-        enclosures.Add({std::to_string(e), c.Text(kEnclosureName, a, e),
-                        c.Show(kEnclosureStatus, a, e, words::ComponentStatus)});
+    for (uint32_t e = 0, n = c.Count(oc::kEnclosureCount, a); e < n; ++e) {
+        enclosures.Add({std::to_string(e), c.Text(oc::kEnclosureName, a, e),
+                        c.Show(oc::kEnclosureStatus, a, e, words::ComponentStatus)});
     }
     const std::pair<const char*, const TextTable*> sections[] = {{"Physical drives", &drives},
                                                                  {"Logical drives", &logical},
@@ -181,7 +148,7 @@ int PrintInventory(CIExtensionModule& module, ISwitch& hostSwitch) {
     printf("Start returned %d after %lld ms.\n", ret, static_cast<long long>(ms));
 
     Client client(module);
-    Reply count = client.Ask(kAdapterCount);
+    Reply count = client.Ask(oc::kAdapterCount);
     if (!count.Ok()) {
         printf("\nNo storage tree: the module answers %s.\n",
                Client::NoAnswer(count.status).c_str());
@@ -191,11 +158,11 @@ int PrintInventory(CIExtensionModule& module, ISwitch& hostSwitch) {
             PrintAdapter(client, a);
         printf("\nOverall status:\n");
         TextTable overall({"what", "status"});
-        overall.Add({"all", client.Show(kOverallStatus, 0, 0, words::ComponentStatus)});
-        overall.Add({"adapters", client.Show(kAdaptersStatus, 0, 0, words::ComponentStatus)});
-        overall.Add(
-            {"logical drives", client.Show(kLogicalDrivesStatus, 0, 0, words::ComponentStatus)});
-        overall.Add({"disks", client.Show(kDisksStatus, 0, 0, words::ComponentStatus)});
+        overall.Add({"all", client.Show(oc::kOverallStatus, 0, 0, words::ComponentStatus)});
+        overall.Add({"adapters", client.Show(oc::kAdaptersStatus, 0, 0, words::ComponentStatus)});
+        overall.Add({"logical drives",
+                     client.Show(oc::kLogicalDrivesStatus, 0, 0, words::ComponentStatus)});
+        overall.Add({"disks", client.Show(oc::kDisksStatus, 0, 0, words::ComponentStatus)});
         overall.Print(stdout, "  ");
     }
     printf("\nStopping the module (a stop takes 10 s by design)...\n");

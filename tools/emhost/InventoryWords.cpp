@@ -2,9 +2,13 @@
 
 #include <map>
 
+#include "frame/SwitchProtocol.h"
+
 namespace inventory_words {
 
 namespace {
+
+using namespace answer;
 
 std::string Lookup(const std::map<uint32_t, const char*>& words, uint32_t value) {
     auto it = words.find(value);
@@ -16,72 +20,91 @@ std::string Lookup(const std::map<uint32_t, const char*>& words, uint32_t value)
 
 std::string AdapterType(uint32_t v) {
     static const std::map<uint32_t, const char*> words = {
-        {0, "SCSI"},  {1, "ATAPI"}, {2, "ATA"},  {3, "1394"}, {4, "SSA"},
-        {5, "Fibre"}, {6, "USB"},   {7, "SATA"}, {8, "SAS"},  {9, "PCIe"}};
+        {kAdapterScsi, "SCSI"}, {kAdapterAtapi, "ATAPI"}, {kAdapterAta, "ATA"},
+        {kAdapter1394, "1394"}, {kAdapterSsa, "SSA"},     {kAdapterFibre, "Fibre"},
+        {kAdapterUsb, "USB"},   {kAdapterSata, "SATA"},   {kAdapterSas, "SAS"},
+        {kAdapterPcie, "PCIe"}};
     return Lookup(words, v);
 }
 
 std::string AdapterStatus(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {{0, "OK"}, {1, "warning"}, {2, "failed"}};
+    static const std::map<uint32_t, const char*> words = {
+        {kAdapterOk, "OK"}, {kAdapterWarning, "warning"}, {kAdapterFailed, "failed"}};
     return Lookup(words, v);
 }
 
 std::string DriveStatus(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {{0, "operational"},
-                                                          {1, "copyback"},
-                                                          {2, "available"},
-                                                          {3, "unconfigured failed"},
-                                                          {4, "dedicated hotspare"},
-                                                          {5, "global hotspare"},
-                                                          {6, "rebuilding"},
-                                                          {8, "rebuild necessary"},
-                                                          {9, "JBOD"},
-                                                          {10, "migrating"},
-                                                          {11, "failed"},
-                                                          {12, "failed (missing)"},
-                                                          {13, "offline"},
-                                                          {14, "shield"},
-                                                          {15, "auto replace hotspare"}};
+    static const std::map<uint32_t, const char*> words = {
+        {kDriveOperational, "operational"},
+        {kDriveCopyback, "copyback"},
+        {kDriveAvailable, "available"},
+        {kDriveUnconfiguredFailed, "unconfigured failed"},
+        {kDriveDedicatedHotspare, "dedicated hotspare"},
+        {kDriveGlobalHotspare, "global hotspare"},
+        {kDriveRebuilding, "rebuilding"},
+        {kDriveRebuildNecessarySmart, "rebuild necessary (SMART)"},
+        {kDriveRebuildNecessary, "rebuild necessary"},
+        {kDriveJbod, "JBOD"},
+        {kDriveMigrating, "migrating"},
+        {kDriveFailed, "failed"},
+        {kDriveFailedMissing, "failed (missing)"},
+        {kDriveOffline, "offline"},
+        {kDriveShield, "shield"},
+        {kDriveAutoReplaceHotspare, "auto replace hotspare"}};
     return Lookup(words, v);
 }
 
 std::string DriveType(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {
-        {0, "SCSI"}, {7, "SATA"}, {8, "SAS"}, {15, "NVMe"}, {13, "PCI Express"}};
+    static const std::map<uint32_t, const char*> words = {{kDriveTypeScsi, "SCSI"},
+                                                          {kDriveTypeSata, "SATA"},
+                                                          {kDriveTypeSas, "SAS"},
+                                                          {kDriveTypeNvme, "NVMe"},
+                                                          {kDriveTypePciExpress, "PCI Express"}};
     return Lookup(words, v);
 }
 
 std::string SmartFlag(uint32_t v) {
     static const std::map<uint32_t, const char*> words = {
-        {0, "no error"}, {1, "SMART error"}, {255, "no statement"}};
+        {kSmartNoError, "no error"}, {kSmartError, "SMART error"}, {kNoAnswer, "no statement"}};
     return Lookup(words, v);
 }
 
 std::string LogicalDriveStatus(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {{0, "operational"},
-                                                          {1, "degraded"},
-                                                          {2, "partially degraded"},
-                                                          {3, "failed"},
-                                                          {4, "impacted"}};
+    static const std::map<uint32_t, const char*> words = {
+        {kLogicalOperational, "operational"},
+        {kLogicalDegraded, "degraded"},
+        {kLogicalPartiallyDegraded, "partially degraded"},
+        {kLogicalFailed, "failed"},
+        {kLogicalImpacted, "impacted"}};
     return Lookup(words, v);
 }
 
 std::string BatteryStatus(uint32_t v) {
     static const std::map<uint32_t, const char*> words = {
-        {0, "normal"},  {2, "voltage problem"}, {3, "charging"},           {4, "discharging"},
-        {5, "warning"}, {6, "failed"},          {8, "temperature problem"}};
+        {kBatteryNormal, "normal"},
+        {kBatteryVoltageProblem, "voltage problem"},
+        {kBatteryCharging, "charging"},
+        {kBatteryDischarging, "discharging"},
+        {kBatteryWarning, "warning"},
+        {kBatteryFailed, "failed"},
+        {kBatteryTemperatureProblem, "temperature problem"}};
     return Lookup(words, v);
 }
 
 std::string LearnCycle(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {
-        {1, "requested"}, {2, "active"}, {3, "timed out"}, {4, "failed"}, {255, "none of these"}};
+    static const std::map<uint32_t, const char*> words = {{kLearnCycleRequested, "requested"},
+                                                          {kLearnCycleActive, "active"},
+                                                          {kLearnCycleTimedOut, "timed out"},
+                                                          {kLearnCycleFailed, "failed"},
+                                                          {kNoAnswer, "none of these"}};
     return Lookup(words, v);
 }
 
 std::string ComponentStatus(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {
-        {0, "unknown"}, {1, "OK"}, {2, "warning"}, {3, "failed"}};
+    static const std::map<uint32_t, const char*> words = {{kOverallUnknown, "unknown"},
+                                                          {kOverallOk, "OK"},
+                                                          {kOverallWarning, "warning"},
+                                                          {kOverallFailed, "failed"}};
     return Lookup(words, v);
 }
 

@@ -318,7 +318,7 @@ std::string LineProtocol::Burst(const rapidjson::Value& line) {
                 CommandRecord record;
                 record.SetJson(json);
                 m_pModule->ModuleRequest(&record);
-                ++mine[record.GetField("ST", CommandRecord::kDefaultStatus)];
+                ++mine[record.GetField("ST", status::kMissing)];
             }
             std::lock_guard<std::mutex> lock(countMutex);
             for (const auto& [st, n] : mine)

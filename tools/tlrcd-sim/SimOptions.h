@@ -2,10 +2,12 @@
 
 #include <string>
 
+#include "rest/RestConstants.h"
+
 // How the simulator was started.
 struct CSimOptions {
     std::string sHost = "127.0.0.1";
-    int nPort = 34246;
+    int nPort = tlr_rest::kDaemonPort;
     std::string sCertFile;
     std::string sKeyFile;
     std::string sTreeFile;

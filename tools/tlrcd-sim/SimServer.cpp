@@ -11,9 +11,9 @@
 
 namespace {
 
-constexpr const char kLoginPath[] = "/api/v1/authJwt";
-constexpr const char kTreePath[] = "/api/v1/sdt/vbmc";
-constexpr const char kRedfishPath[] = "/api/v1/redfishOp";
+constexpr const char* kLoginPath = tlr_rest::kAuthEndpoint;
+constexpr const char* kTreePath = tlr_rest::kSdtEndpoint;
+constexpr const char* kRedfishPath = tlr_rest::kRedfishEndpoint;
 constexpr const char kJson[] = "application/json";
 constexpr size_t kTokenBytes = 16;
 

@@ -1,0 +1,36 @@
+// host-facts: prints the host's paths and the daemon's port, as the module and its REST
+// client know them, as shell assignments. The build writes them to build/host-facts.sh,
+// where the sandbox reads them, so that the sandbox lays out the host the module expects.
+#include <cstdio>
+#include <string>
+
+#include "raid/RaidSettings.h"
+#include "rest/RestConstants.h"
+#include "runtime/DebugClient.h"
+
+namespace {
+
+// The first of the paths under /opt, where the sandbox's tmpfs lets it write.
+template <size_t N>
+const char* FirstUnderOpt(const char* const (&paths)[N]) {
+    for (const char* path : paths) {
+        if (std::string(path).rfind("/opt/", 0) == 0)
+            return path;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+int main() {
+    const char* installMark = FirstUnderOpt(raid_host::kInstallMarks);
+    if (!installMark) {
+        fprintf(stderr, "host-facts: no install mark under /opt\n");
+        return 1;
+    }
+    printf("kTraceDir='%s'\n", CDebugClient::kConfigDir);
+    printf("kInstallMark='%s'\n", installMark);
+    printf("kPidFile='%s'\n", raid_host::kPidFiles[0]);
+    printf("kSimPort=%u\n", static_cast<unsigned>(tlr_rest::kDaemonPort));
+    return 0;
+}
