@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "enclosure/CabinetCodes.h"
+#include "frame/SwitchProtocol.h"
 #include "enclosure/EnclosureStates.h"
 #include "frame/CabinetNumber.h"
 #include "frame/CommandRecord.h"
@@ -119,7 +119,7 @@ uint32_t CriticalThreshold(Request& r) {
 uint32_t SetValue(Request& r) {
     uint32_t nValue = 0;
     r.record.GetDataUInt(r.record.m_nCurrentCommand, nValue);
-    r.record.SetStatus((nValue & 0xFF) == 0 ? status::kOk : status::kInvalidValue);
+    r.record.SetStatus((nValue & 0xFF) == 0 ? status::kOk : status::kValueRefused);
     return kDealtWith;
 }
 
@@ -145,7 +145,7 @@ constexpr Row kRows[] = {
     {oc::kFanCount, false, 0, Bound::kNone, CabinetField<&CabinetRecord::FanCount>},
     {oc::CM_FanStatus, false, 0, Bound::kFans,
      ObjectField<&EnclosureMap::m_Fans, &FanRecord::Status>},
-    {oc::kFanNoAnswer, false, 0, Bound::kNone, NoAnswer},
+    {oc::kFanWithoutData, false, 0, Bound::kNone, NoAnswer},
     {oc::kFanLocation, false, 0, Bound::kFans,
      ObjectField<&EnclosureMap::m_Fans, &FanRecord::Location>},
     {oc::kFanName, false, 0, Bound::kFans, ObjectField<&EnclosureMap::m_Fans, &FanRecord::Name>},
@@ -166,21 +166,21 @@ constexpr Row kRows[] = {
     {oc::kPowerSupplyName, false, 0, Bound::kPowerSupplies,
      ObjectField<&EnclosureMap::m_PowerSupplies, &PowerSupplyRecord::Name>},
     {oc::CM_PowerSupplyRedundancy, false, 0, Bound::kNone, PowerSupplyRedundancy},
-    {oc::kVersionGroup, true, oc::kIdentityChassisModel, Bound::kNone,
+    {oc::kIdentityText, true, oc::kSelectChassisModel, Bound::kNone,
      CabinetField<&CabinetRecord::ChassisModel>},
-    {oc::kVersionGroup, true, oc::kIdentitySerialNumber, Bound::kNone,
+    {oc::kIdentityText, true, oc::kSelectSerialNumber, Bound::kNone,
      CabinetField<&CabinetRecord::SerialNumber>},
-    {oc::kVersionGroup, true, oc::kIdentityCabinetModel, Bound::kNone,
+    {oc::kIdentityText, true, oc::kSelectCabinetModel, Bound::kNone,
      CabinetField<&CabinetRecord::CabinetModel>},
-    {oc::kVersionGroup, true, oc::kIdentityVendor, Bound::kNone,
+    {oc::kIdentityText, true, oc::kSelectVendor, Bound::kNone,
      CabinetField<&CabinetRecord::Vendor>},
-    {oc::kSensorValue, true, oc::kSensorValueFan, Bound::kFans, ZeroValue},
-    {oc::kSensorValue, true, oc::kSensorValueTemp, Bound::kTempSensors, ZeroValue},
-    {oc::kSensorValue, true, oc::kSensorValueTempOther, Bound::kTempSensors, ZeroValue},
-    {oc::kSensorValue, true, oc::kSensorValueWarning, Bound::kTempSensors, WarningThreshold},
-    {oc::kSensorValue, true, oc::kSensorValueCritical, Bound::kTempSensors, CriticalThreshold},
-    {oc::kSensorValueSet, true, oc::kSensorValueFan, Bound::kFans, SetValue},
-    {oc::kSensorValueSet, true, oc::kSensorValueTemp, Bound::kTempSensors, SetValue},
+    {oc::kCabinetSettingRead, true, oc::kSelectFanSetting, Bound::kFans, ZeroValue},
+    {oc::kCabinetSettingRead, true, oc::kSelectSensorSetting, Bound::kTempSensors, ZeroValue},
+    {oc::kCabinetSettingRead, true, oc::kSelectSensorSettingSecond, Bound::kTempSensors, ZeroValue},
+    {oc::kCabinetSettingRead, true, oc::kSelectWarningTemperature, Bound::kTempSensors, WarningThreshold},
+    {oc::kCabinetSettingRead, true, oc::kSelectCriticalTemperature, Bound::kTempSensors, CriticalThreshold},
+    {oc::kCabinetSettingWrite, true, oc::kSelectFanSetting, Bound::kFans, SetValue},
+    {oc::kCabinetSettingWrite, true, oc::kSelectSensorSetting, Bound::kTempSensors, SetValue},
     {oc::kCabinetPresent, false, 0, Bound::kNone, CabinetPresent},
 };
 

@@ -1,7 +1,7 @@
 #include "raid/PciIdentityRequest.h"
 
 #include "frame/CommandRecord.h"
-#include "raid/ObjectCodes.h"
+#include "frame/SwitchProtocol.h"
 #include "storage/TLRaidData.h"
 
 namespace {

@@ -146,6 +146,10 @@ uint32_t LogicalDriveStatus(int32_t value) {
 }
 
 uint32_t BatteryStatus(int32_t value) {
+    // The client's numbers are the tree's, but for the temperature problem; 1 is never read
+    // from a tree and passes as it is.
+    if (value > kBatteryNormal && value < ::kBatteryVoltageProblem)
+        return static_cast<uint32_t>(value);
     return Lookup(kBatteryStates, value);
 }
 

@@ -10,6 +10,7 @@
 #include "enclosure/EnclosureStates.h"
 #include "enclosure/EnclosureTestTrees.h"
 #include "frame/CommandRecord.h"
+#include "frame/SwitchProtocol.h"
 
 namespace {
 
@@ -34,7 +35,7 @@ TEST(CabinetConcurrency, ReadersSeeTheOldOrTheNewState) {
     });
     auto reader = [&](uint32_t oc, uint32_t a, uint32_t b) {
         while (!stop) {
-            CommandRecord record(oc, 0, 0, 800, CommandRecord::kNoStatus);
+            CommandRecord record(oc, 0, 0, 800, status::kNone);
             HandleCabinetRequest(map, record);
             uint32_t value = 0;
             if (!record.GetDataUInt(0, value) || (value != a && value != b))

@@ -11,15 +11,16 @@
 #include "enclosure/EnclosureTestTrees.h"
 #include "frame/CabinetNumber.h"
 #include "frame/CommandRecord.h"
+#include "frame/SwitchProtocol.h"
 #include "support/CaptureTraceServer.h"
 
 namespace {
 
-constexpr uint32_t kNone = CommandRecord::kNoStatus;  // no DA in the request
+constexpr uint32_t kNone = status::kNone;  // no DA in the request
 
 std::unique_ptr<CommandRecord> Request(uint32_t oc, uint32_t oe, uint32_t oi, uint32_t ca,
                                        uint32_t da = kNone) {
-    auto record = std::make_unique<CommandRecord>(oc, oe, oi, ca, CommandRecord::kNoStatus);
+    auto record = std::make_unique<CommandRecord>(oc, oe, oi, ca, status::kNone);
     if (da != kNone)
         record->SetField("DA", rapidjson::Value(da));
     return record;

@@ -43,8 +43,10 @@ TEST(StatusMapsTest, SmallMaps) {
         EXPECT_EQ(status_map::DriveType(t), types[t]);
     EXPECT_EQ(status_map::DriveType(-1), 255);
     EXPECT_EQ(status_map::DriveType(5), 255);
-    EXPECT_EQ(status_map::BatteryStatus(6), 6);
+    for (int b = 0; b <= 6; ++b)
+        EXPECT_EQ(status_map::BatteryStatus(b), b);
     EXPECT_EQ(status_map::BatteryStatus(7), 8);
+    EXPECT_EQ(status_map::BatteryStatus(8), 255);
     EXPECT_EQ(status_map::BatteryStatus(-1), 255);
     const uint8_t cycles[] = {1, 2, 4, 3};
     for (int c = 1; c <= 4; ++c)
