@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 
 #include "xml/XmlDoc.h"
@@ -29,6 +30,7 @@ class CTLRaidData : public CXmlDoc {
     bool GetAdapterData(CXmlDoc& out, uint32_t nIndex);            // cuts out the nIndex-th Adapter
     bool GetPhysicalDiskOverallComponentStatus(int32_t& nStatus);  // 0, or 1 to 3
     bool GetBbuOverallComponentStatus(uint32_t& nStatus);          // highest ComponentStatus
+    std::map<std::string, int16_t> GetMDCProgressMap();  // "<name> A0L1" -> MDCProgress, or -1
 
     // Adapter document: the first Adapter in it is meant.
     bool GetAdapterPciAddress(AdapterPciAddress& address);
