@@ -96,7 +96,8 @@ const char* BuiltInTree() {
 )";
 }
 
-CSimServer::CSimServer(const CSimOptions& options) : m_Options(options) {}
+CSimServer::CSimServer(const CSimOptions& options, std::unique_ptr<CSimScenario> scenario)
+    : m_Options(options), m_pScenario(std::move(scenario)) {}
 
 CSimServer::~CSimServer() = default;
 
@@ -156,7 +157,21 @@ bool CSimServer::Open(const CTlsIdentity& identity, std::string& error) {
         error = "cannot listen on " + m_Options.sHost + ":" + std::to_string(m_Options.nPort);
         return false;
     }
+    m_Start = std::chrono::steady_clock::now();
     return true;
+}
+
+double CSimServer::ScenarioTime() {
+    const double dElapsed =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - m_Start).count();
+    const size_t nStep = m_pScenario->StepIndexAt(dElapsed);
+    if (m_nToldStep.exchange(nStep) != nStep) {
+        const CSimScenario::Step& step = m_pScenario->Steps()[nStep];
+        fprintf(stderr, "tlrcd-sim: scenario step %zu of %zu (from %g s)%s%s\n", nStep + 1,
+                m_pScenario->Steps().size(), step.dAtSec, step.sNote.empty() ? "" : ": ",
+                step.sNote.c_str());
+    }
+    return dElapsed;
 }
 
 bool CSimServer::Run() {
@@ -185,6 +200,8 @@ bool CSimServer::ApplyFaults(const char* endpoint, CEndpointFault& fault, httpli
         AnswerError(res, 500, "control file: " + error);
         return true;
     }
+    if (m_pScenario && fault.IsEmpty())
+        m_pScenario->FaultAt(ScenarioTime(), endpoint, fault);
     WaitMs(fault.nDelayMs);
     if (fault.ReplacesAnswer()) {
         res.status = fault.nStatus != 0 ? fault.nStatus : 200;
@@ -258,7 +275,9 @@ void CSimServer::HandleTree(const httplib::Request& req, httplib::Response& res)
         return;
     }
     std::string tree = BuiltInTree();
-    if (!m_Options.sTreeFile.empty() && !ReadWholeFile(m_Options.sTreeFile, tree)) {
+    if (m_pScenario) {
+        tree = m_pScenario->TreeAt(ScenarioTime());
+    } else if (!m_Options.sTreeFile.empty() && !ReadWholeFile(m_Options.sTreeFile, tree)) {
         AnswerError(res, 500, "cannot read tree file '" + m_Options.sTreeFile + "'");
         return;
     }

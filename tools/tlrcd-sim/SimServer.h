@@ -2,6 +2,8 @@
 
 #include <httplib.h>
 
+#include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <memory>
@@ -11,12 +13,14 @@
 
 #include "SimControl.h"
 #include "SimOptions.h"
+#include "SimScenario.h"
 #include "TlsIdentity.h"
 
 // The simulated REST daemon: login, storage tree and Redfish pass-through over HTTPS.
 class CSimServer {
   public:
-    explicit CSimServer(const CSimOptions& options);
+    // A scenario, if given, counts its time from Open.
+    explicit CSimServer(const CSimOptions& options, std::unique_ptr<CSimScenario> scenario = {});
     ~CSimServer();
 
     // Opens the log, sets up TLS with identity and binds the address; false with a message.
@@ -41,12 +45,17 @@ class CSimServer {
     std::string IssueToken();
     void WaitMs(int64_t ms);
     void LogRequest(const httplib::Request& req, const httplib::Response& res);
+    // Seconds since Open; tells the scenario's steps on stderr as requests first meet them.
+    double ScenarioTime();
 
     struct FileClose {
         void operator()(FILE* file) const { fclose(file); }
     };
 
     CSimOptions m_Options;
+    std::unique_ptr<const CSimScenario> m_pScenario;
+    std::chrono::steady_clock::time_point m_Start;
+    std::atomic<size_t> m_nToldStep{SIZE_MAX};
     std::unique_ptr<httplib::SSLServer> m_pServer;
     int m_nPort = 0;
 
