@@ -74,6 +74,7 @@ TEST(SimScenario, FileErrorsAreToldAtLoad) {
          "step 2: the first step"},
         {R"({"steps": [{"at_s": 0, "tree": "missing.xml"}]})", "cannot read tree file"},
         {R"({"steps": [{"at_s": 0, "tree": "a.xml", "tre": "b.xml"}]})", "\"tre\" is unknown"},
+        {R"({"steps": [{"at_s": 0, "tree": "a.xml", "closed": 1}]})", "\"closed\" is unknown"},
         {R"({"steps": [{"at_s": 0, "tree": "a.xml", "faults": {"sdt": {"stat": 1}}}]})",
          "'sdt.stat' is unknown"},
         {R"({"steps": [{"at_s": 0, "tree": "a.xml"}, {"at_s": 1, "progress": {"from": 1}}]})",
@@ -117,12 +118,15 @@ TEST(SimScenario, ShippedScenariosTellTheirStory) {
     CSimScenario away;
     ASSERT_TRUE(away.Load(SourcePath("samples/scenarios/daemon-away.json"), error)) << error;
     EXPECT_EQ(DataProgress(away, 29), 25);
+    EXPECT_FALSE(away.ClosedAt(29.9));
+    EXPECT_TRUE(away.ClosedAt(30) && away.ClosedAt(54.9));
     CEndpointFault login, tree;
-    away.FaultAt(30, "authJwt", login);
+    away.FaultAt(55, "authJwt", login);
     away.FaultAt(74, "sdt", tree);
     EXPECT_TRUE(login.ReplacesAnswer() && tree.ReplacesAnswer());
     away.FaultAt(75, "sdt", tree);
     EXPECT_TRUE(tree.IsEmpty());
+    EXPECT_FALSE(away.ClosedAt(75));
     EXPECT_EQ(DataProgress(away, 75), 45);
 }
 

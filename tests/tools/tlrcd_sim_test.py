@@ -343,6 +343,29 @@ class ScenarioTest(SimulatorTest):
         self.assertEqual(seen, sorted(seen, key=order.index), "in the scenario's order")
         self.assertIn("scenario step 2 of 3 (from 1.5 s): away", sim.stderr_text)
 
+    def test_a_closed_step_refuses_connections_then_serves_again(self):
+        self.write("a.xml", "A")
+        self.write("b.xml", "B")
+        self.write("scenario.json", json.dumps({"steps": [
+            {"at_s": 0, "tree": "a.xml"},
+            {"at_s": 3, "closed": True, "note": "gone"},
+            {"at_s": 6, "tree": "b.xml"}]}))
+        seen = []
+        with Simulator("--scenario", self.path("scenario.json"), "--log", self.log_file) as sim:
+            token = sim.access_token()
+            deadline = time.monotonic() + 60
+            while seen[-1:] != ["B"] and time.monotonic() < deadline:
+                try:
+                    state = json.loads(sim.tree(token)[1])["SDT"]
+                except ConnectionRefusedError:
+                    state = "refused"
+                if seen[-1:] != [state]:
+                    seen.append(state)
+                time.sleep(0.05)
+        self.assertEqual(seen, ["A", "refused", "B"][-len(seen):], seen)
+        self.assertEqual(sim.status, 0, "ends cleanly after listening again")
+        self.assertIn("scenario step 2 of 3 (from 3 s): gone", sim.stderr_text)
+
     def test_scenario_errors_and_options(self):
         self.write("scenario.json", json.dumps({"steps": [{"at_s": 0, "tree": "none.xml"}]}))
         rows = [

@@ -73,8 +73,9 @@ Example: {"authJwt":{"refuse":true},"sdt":{"delay_ms":3000}}
 
 Scenario file: {"steps":[{"at_s":0,"tree":"a.xml"},{"at_s":20,"tree":"b.xml",
   "progress":{"from":10,"by":15,"every_s":15,"to":100}},{"at_s":60,"faults":{"sdt":
-  {"status":503}}}]}: trees relative to the scenario file; "progress" replaces @PROGRESS@
-  in the tree by a number that grows with time; "faults" as in the control file, for
+  {"status":503}}},{"at_s":70,"closed":true},{"at_s":80}]}: trees relative to the
+  scenario file; "progress" replaces @PROGRESS@ in the tree by a number that grows with
+  time; "faults" as in the control file, and "closed":true (nothing listens), hold for
   their own step only; a step without "tree" keeps the one before. The control file's
   faults, where it has any for an endpoint, come first.
 

@@ -75,6 +75,8 @@ bool CSimScenario::ReadStep(const nlohmann::json& item, const std::string& direc
             step.progress.emplace();
             if (!ReadProgress(value, *step.progress, error))
                 return false;
+        } else if (key == "closed" && value.is_boolean()) {
+            step.bClosed = value.get<bool>();
         } else if (key == "faults") {
             // Checked now, so that a typo shows at start rather than at its step.
             CEndpointFault fault;
@@ -138,6 +140,14 @@ bool CSimScenario::Load(const std::string& path, std::string& error) {
     }
     m_Steps = std::move(steps);
     return true;
+}
+
+bool CSimScenario::HasClosedSteps() const {
+    for (const Step& step : m_Steps) {
+        if (step.bClosed)
+            return true;
+    }
+    return false;
 }
 
 size_t CSimScenario::StepIndexAt(double dElapsedSec) const {

@@ -19,9 +19,10 @@
 //               "progress": {"from": 10, "by": 15, "every_s": 15, "to": 100}}]}
 //
 // The first step is at 0 s, the others follow in rising order. A step without "tree" keeps
-// the tree (and its progress) of the step before; faults, in the control file's form, hold
-// for their own step only. "progress" replaces kProgressToken in the tree by a number that
-// starts at "from" and grows by "by" every "every_s" seconds up to "to".
+// the tree (and its progress) of the step before; faults, in the control file's form, and
+// "closed": true, the daemon gone with nothing listening, hold for their own step only. "progress"
+// replaces kProgressToken in the tree by a number that starts at "from" and grows by "by" every
+// "every_s" seconds up to "to".
 class CSimScenario {
   public:
     static constexpr const char* kProgressToken = "@PROGRESS@";
@@ -40,6 +41,7 @@ class CSimScenario {
         double dTreeSinceSec = 0;  // start of the tree's progress
         std::optional<Progress> progress;
         nlohmann::json faults;  // null for none
+        bool bClosed = false;   // the daemon is gone: nothing listens
     };
 
     // Reads the scenario and every tree it names, relative to the scenario's directory.
@@ -51,6 +53,8 @@ class CSimScenario {
     std::string TreeAt(double dElapsedSec) const;
     // The step's faults for endpoint ("authJwt", "sdt", "redfishOp"); empty where it has none.
     void FaultAt(double dElapsedSec, const std::string& endpoint, CEndpointFault& fault) const;
+    bool ClosedAt(double dElapsedSec) const { return m_Steps[StepIndexAt(dElapsedSec)].bClosed; }
+    bool HasClosedSteps() const;
     // The progress number of the tree at a time; nothing without progress.
     std::optional<int64_t> ProgressAt(double dElapsedSec) const;
 

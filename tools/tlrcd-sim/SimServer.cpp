@@ -5,6 +5,7 @@
 #include <chrono>
 #include <fstream>
 #include <sstream>
+#include <thread>
 
 #include "SimJwt.h"
 #include "rest/RestConstants.h"
@@ -16,6 +17,9 @@ constexpr const char kTreePath[] = "/api/v1/sdt/vbmc";
 constexpr const char kRedfishPath[] = "/api/v1/redfishOp";
 constexpr const char kJson[] = "application/json";
 constexpr size_t kTokenBytes = 16;
+constexpr int64_t kScenarioTickMs = 20;  // how often closed steps are looked for
+constexpr int kRebindTries = 50;
+constexpr int64_t kRebindWaitMs = 100;
 
 // httplib adds the peer's address to the headers; they are not the client's.
 bool IsPseudoHeader(const std::string& name) {
@@ -175,7 +179,68 @@ double CSimServer::ScenarioTime() {
 }
 
 bool CSimServer::Run() {
-    return m_pServer->listen_after_bind();
+    if (!m_pScenario || !m_pScenario->HasClosedSteps())
+        return m_pServer->listen_after_bind();
+    std::thread closer([this] { CloseInClosedSteps(); });
+    bool served = true;
+    for (;;) {
+        served = m_pServer->listen_after_bind();
+        if (!served || !WaitUntilOpen())
+            break;
+        // Listening again on the same address; the old socket may linger a moment.
+        bool bound = false;
+        for (int tries = 0; !bound && tries < kRebindTries && !IsStopping(); ++tries) {
+            bound = m_pServer->bind_to_port(m_Options.sHost, m_nPort);
+            if (!bound)
+                WaitMs(kRebindWaitMs);
+        }
+        if (!bound) {
+            served = IsStopping();
+            if (!served)
+                fprintf(stderr, "tlrcd-sim: cannot listen again on port %d\n", m_nPort);
+            break;
+        }
+    }
+    {
+        std::lock_guard<std::mutex> lock(m_StopLock);
+        m_bRunDone = true;
+    }
+    m_StopWake.notify_all();
+    closer.join();
+    return served;
+}
+
+bool CSimServer::IsStopping() {
+    std::lock_guard<std::mutex> lock(m_StopLock);
+    return m_bStopping;
+}
+
+bool CSimServer::WaitUntilOpen() {
+    std::unique_lock<std::mutex> lock(m_StopLock);
+    while (!m_bStopping) {
+        lock.unlock();
+        const bool closed = m_pScenario->ClosedAt(ScenarioTime());
+        lock.lock();
+        if (!closed)
+            return true;
+        m_StopWake.wait_for(lock, std::chrono::milliseconds(kScenarioTickMs),
+                            [this] { return m_bStopping; });
+    }
+    return false;
+}
+
+void CSimServer::CloseInClosedSteps() {
+    std::unique_lock<std::mutex> lock(m_StopLock);
+    while (!m_bStopping && !m_bRunDone) {
+        lock.unlock();
+        // Repeated while the step holds: a stop that comes before the accept loop runs is
+        // lost by the server.
+        if (m_pScenario->ClosedAt(ScenarioTime()) && m_pServer->is_running())
+            m_pServer->stop();
+        lock.lock();
+        m_StopWake.wait_for(lock, std::chrono::milliseconds(kScenarioTickMs),
+                            [this] { return m_bStopping || m_bRunDone; });
+    }
 }
 
 void CSimServer::Stop() {

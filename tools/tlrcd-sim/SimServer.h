@@ -27,7 +27,7 @@ class CSimServer {
     bool Open(const CTlsIdentity& identity, std::string& error);
     // The port bound, also when the system chose it.
     int Port() const { return m_nPort; }
-    // Serves until Stop; false if serving failed.
+    // Serves until Stop, but not in the closed steps of a scenario; false if serving failed.
     bool Run();
     // Ends Run and cuts injected delays short; callable from any thread.
     void Stop();
@@ -47,6 +47,11 @@ class CSimServer {
     void LogRequest(const httplib::Request& req, const httplib::Response& res);
     // Seconds since Open; tells the scenario's steps on stderr as requests first meet them.
     double ScenarioTime();
+    // Stops listening whenever a closed step of the scenario holds, until Run ends.
+    void CloseInClosedSteps();
+    // Waits until no closed step holds, or Stop; false on Stop.
+    bool WaitUntilOpen();
+    bool IsStopping();
 
     struct FileClose {
         void operator()(FILE* file) const { fclose(file); }
@@ -68,6 +73,7 @@ class CSimServer {
     std::mutex m_StopLock;
     std::condition_variable m_StopWake;
     bool m_bStopping = false;
+    bool m_bRunDone = false;
 };
 
 // Reads a whole file; false if it can't be read.
