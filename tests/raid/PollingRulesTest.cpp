@@ -6,15 +6,14 @@
 #include <vector>
 
 #include "raid/PollingRules.h"
+#include "support/CaptureTraceServer.h"
 
 namespace {
 
-// A local time whose hour is counted from the epoch, the way a fake clock gives it.
+// The local time of a fake clock that counts from the epoch, as if it were UTC.
 std::tm HourOf(time_t when) {
     std::tm local{};
-    local.tm_hour = static_cast<int>(when / 3600 % 24);
-    local.tm_min = static_cast<int>(when / 60 % 60);
-    local.tm_sec = static_cast<int>(when % 60);
+    gmtime_r(&when, &local);
     return local;
 }
 
@@ -108,6 +107,26 @@ TEST(MdcComparison, KeysComparedOneByOne) {
     // Drives that come or go are no change either; nor is an empty map.
     EXPECT_TRUE(Compare({{"a A0L0", 5}}, {{"a A0L0", 5}, {"a A0L1", 3}}).empty());
     EXPECT_TRUE(Compare({{"a A0L0", 5}, {"a A0L1", 3}}, {}).empty());
+}
+
+TEST(PollingRules, Trace) {
+    ScopedTraceLevel level(5);
+    Debug.Take();
+    CompareMdcProgress({{"a A0L0", -1}, {"gone A1L0", 3}}, {{"a A0L0", 12}},
+                       [](const std::string&, int16_t, int16_t) {});
+    time_t last = 0;
+    LookAtSmartClock(60, last, HourOf);
+    LookAtSmartClock(11 * kHour, last, HourOf);
+    const std::string tag = "\nEM_TLRAID::StorageDeviceTreePolling - ";
+    EXPECT_EQ(Debug.Take(), tag + "[MDC] Previous status - [-1] 'a A0L0'" + tag +
+                                "[MDC] Current status - [12] 'a A0L0'" + tag +
+                                "[MDC] Status changed! [-1 -> 12] 'a A0L0'" + tag +
+                                "[MDC] Previous status - [3] 'gone A1L0'" + tag +
+                                "[SMART Logs] Errors reported recently, ignore..." + tag +
+                                "[SMART Logs] Check current time '" + AscTime(HourOf(11 * kHour)) +
+                                "'" + tag + "[SMART Logs] Trigger SMART error report at hour 11");
+    // asctime's text ends in a newline, inside the quotes.
+    EXPECT_EQ(AscTime(HourOf(11 * kHour)), "Thu Jan  1 11:00:00 1970\n");
 }
 
 }  // namespace
