@@ -81,6 +81,22 @@ CommandRecord::CommandRecord(uint32_t oc, uint32_t oe, uint32_t oi, uint32_t ca,
         entry.AddMember("ST", st, a);
 }
 
+CommandRecord::CommandRecord(const CommandRecord& other)
+    : m_nCurrentCommand(other.m_nCurrentCommand) {
+    m_Document.CopyFrom(other.m_Document, m_Document.GetAllocator());
+}
+
+CommandRecord& CommandRecord::operator=(const CommandRecord& other) {
+    if (this != &other) {
+        // A fresh document, so that the old one's allocations go with it.
+        rapidjson::Document copy;
+        copy.CopyFrom(other.m_Document, copy.GetAllocator());
+        m_Document.Swap(copy);
+        m_nCurrentCommand = other.m_nCurrentCommand;
+    }
+    return *this;
+}
+
 bool CommandRecord::SetJson(std::string_view text) {
     rapidjson::Document parsed;
     parsed.Parse<rapidjson::kParseIterativeFlag>(text.data(), text.size());

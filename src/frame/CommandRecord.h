@@ -21,8 +21,9 @@ class CommandRecord {
     CommandRecord();
     // A record with one command holding OC, OE and OI (when not 0), CA and ST (when given).
     CommandRecord(uint32_t oc, uint32_t oe, uint32_t oi, uint32_t ca, uint32_t st);
-    CommandRecord(const CommandRecord&) = delete;
-    CommandRecord& operator=(const CommandRecord&) = delete;
+    // Deep copies: the copy owns a document of its own, commands, texts and index alike.
+    CommandRecord(const CommandRecord& other);
+    CommandRecord& operator=(const CommandRecord& other);
 
     // Replaces the document with parsed JSON text; false (record unchanged) if it is no JSON.
     bool SetJson(std::string_view text);

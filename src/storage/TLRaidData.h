@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 
 #include "xml/XmlDoc.h"
@@ -32,6 +33,7 @@ class CTLRaidData : public CXmlDoc {
     // The SMART flag of all drives of all adapters: kSmartYes at the first drive that has a
     // SMART error, else kSmartNo if any drive says so, else kNotMapped.
     int32_t GetSmartFlagOfAllDrives();
+    std::map<std::string, int16_t> GetMDCProgressMap();  // "<name> A0L1" -> MDCProgress, or -1
 
     // Adapter document: the first Adapter in it is meant.
     bool GetAdapterPciAddress(AdapterPciAddress& address);

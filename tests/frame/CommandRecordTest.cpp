@@ -1,6 +1,7 @@
 // Command records: reading numbers, texts and bytes out of a record, and writing answers.
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -268,6 +269,27 @@ TEST(CommandRecordTest, AnythingThatIsJsonIsReadWithoutHarm) {
     }
     CommandRecord r;
     EXPECT_FALSE(r.SetJson("{bad"));
+}
+
+TEST(CommandRecordTest, CopiesOwnTheirDocument) {
+    const std::string text =
+        "{\"SIP\":{\"V\":1,\"CMD\":[{\"OC\":1},{\"OC\":2,\"DA\":\"text\",\"ST\":19}]}}";
+    auto original = std::make_unique<Record>(text);
+    original->m_nCurrentCommand = 1;
+    CommandRecord copy(*original);
+    CommandRecord assigned(5, 0, 0, 0, 0);
+    assigned = *original;
+    original->SetDataString("changed", 0);
+    original.reset();
+    for (const CommandRecord* r : {&copy, &assigned}) {
+        EXPECT_EQ(r->ToJson(), text);
+        EXPECT_EQ(r->GetField("OC", 0), 2u);
+        std::string data;
+        EXPECT_TRUE(r->GetDataString(1, data, 0));
+        EXPECT_EQ(data, "text");
+    }
+    copy.SetStatus(255);
+    EXPECT_EQ(assigned.GetField("ST", 0), 19u);
 }
 
 }  // namespace

@@ -62,6 +62,7 @@ class Simulator:
     def __exit__(self, *exc):
         self.process.terminate()
         self.status = self.process.wait(timeout=10)
+        self.stderr_text = self.process.stderr.read().decode()
         self.process.stderr.close()
 
     def request(self, method, path, body=None, headers=None):
@@ -293,7 +294,7 @@ class OptionsTest(SimulatorTest):
         result = self.run_sim("--help")
         self.assertEqual(result.returncode, 0)
         for option in ("--listen", "--cert", "--key", "--tree", "--redfish", "--control",
-                       "--log", "--client-id", "--help", "delay_ms", "refuse", "status",
+                       "--log", "--client-id", "--scenario", "--help", "delay_ms", "refuse", "status",
                        "body", "\"sdt\""):
             self.assertIn(option, result.stdout)
 
@@ -313,6 +314,72 @@ class OptionsTest(SimulatorTest):
         with open(self.path("cert.pem")) as given:
             self.assertEqual(ssl.PEM_cert_to_DER_cert(served),
                              ssl.PEM_cert_to_DER_cert(given.read()))
+
+
+class ScenarioTest(SimulatorTest):
+    """The scenario's timing itself is tested in SimScenarioTest.cpp with its own clock; here
+    only that the running simulator follows it, in order, with no timed assertion."""
+
+    def test_trees_and_faults_follow_in_order(self):
+        self.write("a.xml", "A")
+        self.write("b.xml", "B @PROGRESS@")
+        self.write("scenario.json", json.dumps({"steps": [
+            {"at_s": 0, "tree": "a.xml"},
+            {"at_s": 1.5, "faults": {"sdt": {"status": 503}}, "note": "away"},
+            {"at_s": 3, "tree": "b.xml",
+             "progress": {"from": 1, "by": 1, "every_s": 0.5, "to": 3}}]}))
+        seen = []
+        with Simulator("--scenario", self.path("scenario.json")) as sim:
+            token = sim.access_token()
+            deadline = time.monotonic() + 60
+            while (not seen or seen[-1] != "B 3") and time.monotonic() < deadline:
+                status, body = sim.tree(token)
+                state = json.loads(body)["SDT"] if status == 200 else status
+                if not seen or seen[-1] != state:
+                    seen.append(state)
+                time.sleep(0.05)
+        self.assertEqual(seen[-1], "B 3", seen)
+        order = ["A", 503, "B 1", "B 2", "B 3"]
+        self.assertEqual(seen, sorted(seen, key=order.index), "in the scenario's order")
+        self.assertIn("scenario step 2 of 3 (from 1.5 s): away", sim.stderr_text)
+
+    def test_a_closed_step_refuses_connections_then_serves_again(self):
+        self.write("a.xml", "A")
+        self.write("b.xml", "B")
+        self.write("scenario.json", json.dumps({"steps": [
+            {"at_s": 0, "tree": "a.xml"},
+            {"at_s": 3, "closed": True, "note": "gone"},
+            {"at_s": 6, "tree": "b.xml"}]}))
+        seen = []
+        with Simulator("--scenario", self.path("scenario.json"), "--log", self.log_file) as sim:
+            token = sim.access_token()
+            deadline = time.monotonic() + 60
+            while seen[-1:] != ["B"] and time.monotonic() < deadline:
+                try:
+                    state = json.loads(sim.tree(token)[1])["SDT"]
+                except ConnectionRefusedError:
+                    state = "refused"
+                if seen[-1:] != [state]:
+                    seen.append(state)
+                time.sleep(0.05)
+        self.assertEqual(seen, ["A", "refused", "B"][-len(seen):], seen)
+        self.assertEqual(sim.status, 0, "ends cleanly after listening again")
+        self.assertIn("scenario step 2 of 3 (from 3 s): gone", sim.stderr_text)
+
+    def test_scenario_errors_and_options(self):
+        self.write("scenario.json", json.dumps({"steps": [{"at_s": 0, "tree": "none.xml"}]}))
+        rows = [
+            (["--scenario", self.path("scenario.json")], "cannot read tree file"),
+            (["--scenario", self.path("missing.json")], "cannot read scenario file"),
+            (["--scenario", self.path("scenario.json"), "--tree", self.tree_file],
+             "exclude each other"),
+        ]
+        for args, message in rows:
+            with self.subTest(args=args):
+                result = subprocess.run([SIM_BIN, "--listen", f"{HOST}:{PORT + 1}", *args],
+                                        capture_output=True, text=True, timeout=20)
+                self.assertEqual(result.returncode, 2, result.stderr)
+                self.assertIn(message, result.stderr)
 
 
 if __name__ == "__main__":

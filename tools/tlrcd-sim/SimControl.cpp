@@ -58,6 +58,16 @@ bool ReadEndpointFault(const std::string& controlFile, const std::string& endpoi
         error = "control file '" + controlFile + "' is not a JSON object";
         return false;
     }
+    return ParseEndpointFault(control, endpoint, fault, error);
+}
+
+bool ParseEndpointFault(const nlohmann::json& control, const std::string& endpoint,
+                        CEndpointFault& fault, std::string& error) {
+    fault.Reset();
+    if (!control.is_object()) {
+        error = "faults are not a JSON object";
+        return false;
+    }
     for (const auto& [name, settings] : control.items()) {
         bool known = false;
         for (const char* known_name : kEndpoints)

@@ -21,6 +21,9 @@ struct CEndpointFault {
         sBody.reset();
         sdtValue.reset();
     }
+    bool IsEmpty() const {
+        return nDelayMs == 0 && !bRefuse && nStatus == 0 && !sBody && !sdtValue;
+    }
     // A status or a body replaces the endpoint's own answer.
     bool ReplacesAnswer() const { return nStatus != 0 || sBody.has_value(); }
 };
@@ -30,3 +33,6 @@ struct CEndpointFault {
 // error when the file can't be read or says something unknown.
 bool ReadEndpointFault(const std::string& controlFile, const std::string& endpoint,
                        CEndpointFault& fault, std::string& error);
+// The same from a control object already read (a scenario step's "faults").
+bool ParseEndpointFault(const nlohmann::json& control, const std::string& endpoint,
+                        CEndpointFault& fault, std::string& error);

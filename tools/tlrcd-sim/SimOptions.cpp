@@ -49,6 +49,8 @@ Options:
   --tree FILE          storage tree XML, read anew at every request, so that a test can
                        change the storage by replacing the file (default: a small built-in
                        tree with one adapter)
+  --scenario FILE      a sequence of trees and faults that take effect at their times after
+                       the start (instead of --tree); see docs/tools.md
   --redfish FILE       JSON object mapping a request body to its reply, read anew at every
                        request; a string reply goes out as it stands, any other value as
                        JSON; bodies that are not in the map are echoed
@@ -69,6 +71,14 @@ each an object with any of:
   "sdt": VALUE         (sdt only) answer {"SDT":VALUE}, e.g. 5 or null
 Example: {"authJwt":{"refuse":true},"sdt":{"delay_ms":3000}}
 
+Scenario file: {"steps":[{"at_s":0,"tree":"a.xml"},{"at_s":20,"tree":"b.xml",
+  "progress":{"from":10,"by":15,"every_s":15,"to":100}},{"at_s":60,"faults":{"sdt":
+  {"status":503}}},{"at_s":70,"closed":true},{"at_s":80}]}: trees relative to the
+  scenario file; "progress" replaces @PROGRESS@ in the tree by a number that grows with
+  time; "faults" as in the control file, and "closed":true (nothing listens), hold for
+  their own step only; a step without "tree" keeps the one before. The control file's
+  faults, where it has any for an endpoint, come first.
+
 Exit status: 0 after SIGTERM or SIGINT, 1 when the address can't be served, 2 for bad
 options or unreadable files.
 )";
@@ -82,8 +92,9 @@ bool ParseSimOptions(int argc, char** argv, CSimOptions& options, std::string& e
             options.bHelp = true;
             continue;
         }
-        static const char* const kWithValue[] = {"--listen",  "--cert",    "--key", "--tree",
-                                                 "--redfish", "--control", "--log", "--client-id"};
+        static const char* const kWithValue[] = {"--listen", "--cert",      "--key",
+                                                 "--tree",   "--redfish",   "--control",
+                                                 "--log",    "--client-id", "--scenario"};
         bool known = false;
         for (const char* name : kWithValue)
             known = known || arg == name;
@@ -109,11 +120,17 @@ bool ParseSimOptions(int argc, char** argv, CSimOptions& options, std::string& e
             options.sRedfishFile = value;
         } else if (arg == "--control") {
             options.sControlFile = value;
+        } else if (arg == "--scenario") {
+            options.sScenarioFile = value;
         } else if (arg == "--log") {
             options.sLogFile = value;
         } else {
             options.sClientId = value;
         }
+    }
+    if (!options.sScenarioFile.empty() && !options.sTreeFile.empty()) {
+        error = "--scenario and --tree exclude each other";
+        return false;
     }
     if (options.sCertFile.empty() != options.sKeyFile.empty()) {
         error = "--cert and --key go together";

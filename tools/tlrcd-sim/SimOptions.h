@@ -13,6 +13,7 @@ struct CSimOptions {
     std::string sTreeFile;
     std::string sRedfishFile;
     std::string sControlFile;
+    std::string sScenarioFile;
     std::string sLogFile;
     std::string sClientId;
     bool bHelp = false;

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <fstream>
 #include <sstream>
+#include <thread>
 
 #include "SimJwt.h"
 #include "rest/RestConstants.h"
@@ -16,6 +17,9 @@ constexpr const char* kTreePath = tlr_rest::kSdtEndpoint;
 constexpr const char* kRedfishPath = tlr_rest::kRedfishEndpoint;
 constexpr const char kJson[] = "application/json";
 constexpr size_t kTokenBytes = 16;
+constexpr int64_t kScenarioTickMs = 20;  // how often closed steps are looked for
+constexpr int kRebindTries = 50;
+constexpr int64_t kRebindWaitMs = 100;
 
 // httplib adds the peer's address to the headers; they are not the client's.
 bool IsPseudoHeader(const std::string& name) {
@@ -96,7 +100,8 @@ const char* BuiltInTree() {
 )";
 }
 
-CSimServer::CSimServer(const CSimOptions& options) : m_Options(options) {}
+CSimServer::CSimServer(const CSimOptions& options, std::unique_ptr<CSimScenario> scenario)
+    : m_Options(options), m_pScenario(std::move(scenario)) {}
 
 CSimServer::~CSimServer() = default;
 
@@ -156,11 +161,86 @@ bool CSimServer::Open(const CTlsIdentity& identity, std::string& error) {
         error = "cannot listen on " + m_Options.sHost + ":" + std::to_string(m_Options.nPort);
         return false;
     }
+    m_Start = std::chrono::steady_clock::now();
     return true;
 }
 
+double CSimServer::ScenarioTime() {
+    const double dElapsed =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - m_Start).count();
+    const size_t nStep = m_pScenario->StepIndexAt(dElapsed);
+    if (m_nToldStep.exchange(nStep) != nStep) {
+        const CSimScenario::Step& step = m_pScenario->Steps()[nStep];
+        fprintf(stderr, "tlrcd-sim: scenario step %zu of %zu (from %g s)%s%s\n", nStep + 1,
+                m_pScenario->Steps().size(), step.dAtSec, step.sNote.empty() ? "" : ": ",
+                step.sNote.c_str());
+    }
+    return dElapsed;
+}
+
 bool CSimServer::Run() {
-    return m_pServer->listen_after_bind();
+    if (!m_pScenario || !m_pScenario->HasClosedSteps())
+        return m_pServer->listen_after_bind();
+    std::thread closer([this] { CloseInClosedSteps(); });
+    bool served = true;
+    for (;;) {
+        served = m_pServer->listen_after_bind();
+        if (!served || !WaitUntilOpen())
+            break;
+        // Listening again on the same address; the old socket may linger a moment.
+        bool bound = false;
+        for (int tries = 0; !bound && tries < kRebindTries && !IsStopping(); ++tries) {
+            bound = m_pServer->bind_to_port(m_Options.sHost, m_nPort);
+            if (!bound)
+                WaitMs(kRebindWaitMs);
+        }
+        if (!bound) {
+            served = IsStopping();
+            if (!served)
+                fprintf(stderr, "tlrcd-sim: cannot listen again on port %d\n", m_nPort);
+            break;
+        }
+    }
+    {
+        std::lock_guard<std::mutex> lock(m_StopLock);
+        m_bRunDone = true;
+    }
+    m_StopWake.notify_all();
+    closer.join();
+    return served;
+}
+
+bool CSimServer::IsStopping() {
+    std::lock_guard<std::mutex> lock(m_StopLock);
+    return m_bStopping;
+}
+
+bool CSimServer::WaitUntilOpen() {
+    std::unique_lock<std::mutex> lock(m_StopLock);
+    while (!m_bStopping) {
+        lock.unlock();
+        const bool closed = m_pScenario->ClosedAt(ScenarioTime());
+        lock.lock();
+        if (!closed)
+            return true;
+        m_StopWake.wait_for(lock, std::chrono::milliseconds(kScenarioTickMs),
+                            [this] { return m_bStopping; });
+    }
+    return false;
+}
+
+void CSimServer::CloseInClosedSteps() {
+    std::unique_lock<std::mutex> lock(m_StopLock);
+    while (!m_bStopping && !m_bRunDone) {
+        lock.unlock();
+        // Repeated while the step holds: a stop that comes before the accept loop runs is
+        // lost by the server.
+        if (m_pScenario->ClosedAt(ScenarioTime()) && m_pServer->is_running())
+            m_pServer->stop();
+        lock.lock();
+        m_StopWake.wait_for(lock, std::chrono::milliseconds(kScenarioTickMs),
+                            [this] { return m_bStopping || m_bRunDone; });
+    }
 }
 
 void CSimServer::Stop() {
@@ -185,6 +265,8 @@ bool CSimServer::ApplyFaults(const char* endpoint, CEndpointFault& fault, httpli
         AnswerError(res, 500, "control file: " + error);
         return true;
     }
+    if (m_pScenario && fault.IsEmpty())
+        m_pScenario->FaultAt(ScenarioTime(), endpoint, fault);
     WaitMs(fault.nDelayMs);
     if (fault.ReplacesAnswer()) {
         res.status = fault.nStatus != 0 ? fault.nStatus : 200;
@@ -258,7 +340,9 @@ void CSimServer::HandleTree(const httplib::Request& req, httplib::Response& res)
         return;
     }
     std::string tree = BuiltInTree();
-    if (!m_Options.sTreeFile.empty() && !ReadWholeFile(m_Options.sTreeFile, tree)) {
+    if (m_pScenario) {
+        tree = m_pScenario->TreeAt(ScenarioTime());
+    } else if (!m_Options.sTreeFile.empty() && !ReadWholeFile(m_Options.sTreeFile, tree)) {
         AnswerError(res, 500, "cannot read tree file '" + m_Options.sTreeFile + "'");
         return;
     }

@@ -2,6 +2,8 @@
 
 #include <httplib.h>
 
+#include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <memory>
@@ -11,19 +13,21 @@
 
 #include "SimControl.h"
 #include "SimOptions.h"
+#include "SimScenario.h"
 #include "TlsIdentity.h"
 
 // The simulated REST daemon: login, storage tree and Redfish pass-through over HTTPS.
 class CSimServer {
   public:
-    explicit CSimServer(const CSimOptions& options);
+    // A scenario, if given, counts its time from Open.
+    explicit CSimServer(const CSimOptions& options, std::unique_ptr<CSimScenario> scenario = {});
     ~CSimServer();
 
     // Opens the log, sets up TLS with identity and binds the address; false with a message.
     bool Open(const CTlsIdentity& identity, std::string& error);
     // The port bound, also when the system chose it.
     int Port() const { return m_nPort; }
-    // Serves until Stop; false if serving failed.
+    // Serves until Stop, but not in the closed steps of a scenario; false if serving failed.
     bool Run();
     // Ends Run and cuts injected delays short; callable from any thread.
     void Stop();
@@ -41,12 +45,22 @@ class CSimServer {
     std::string IssueToken();
     void WaitMs(int64_t ms);
     void LogRequest(const httplib::Request& req, const httplib::Response& res);
+    // Seconds since Open; tells the scenario's steps on stderr as requests first meet them.
+    double ScenarioTime();
+    // Stops listening whenever a closed step of the scenario holds, until Run ends.
+    void CloseInClosedSteps();
+    // Waits until no closed step holds, or Stop; false on Stop.
+    bool WaitUntilOpen();
+    bool IsStopping();
 
     struct FileClose {
         void operator()(FILE* file) const { fclose(file); }
     };
 
     CSimOptions m_Options;
+    std::unique_ptr<const CSimScenario> m_pScenario;
+    std::chrono::steady_clock::time_point m_Start;
+    std::atomic<size_t> m_nToldStep{SIZE_MAX};
     std::unique_ptr<httplib::SSLServer> m_pServer;
     int m_nPort = 0;
 
@@ -59,6 +73,7 @@ class CSimServer {
     std::mutex m_StopLock;
     std::condition_variable m_StopWake;
     bool m_bStopping = false;
+    bool m_bRunDone = false;
 };
 
 // Reads a whole file; false if it can't be read.

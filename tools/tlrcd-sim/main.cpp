@@ -6,11 +6,13 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <thread>
 
 #include "SimControl.h"
 #include "SimOptions.h"
+#include "SimScenario.h"
 #include "SimServer.h"
 #include "TlsIdentity.h"
 
@@ -26,8 +28,15 @@ int Fail(int status, const std::string& message) {
     return status;
 }
 
-// Files are read anew at every request; at start they must at least be readable.
-bool CheckFiles(const CSimOptions& options, std::string& error) {
+// Files are read anew at every request; at start they must at least be readable. A scenario
+// is read whole at start.
+bool CheckFiles(const CSimOptions& options, std::unique_ptr<CSimScenario>& scenario,
+                std::string& error) {
+    if (!options.sScenarioFile.empty()) {
+        scenario = std::make_unique<CSimScenario>();
+        if (!scenario->Load(options.sScenarioFile, error))
+            return false;
+    }
     std::string text;
     if (!options.sTreeFile.empty() && !ReadWholeFile(options.sTreeFile, text)) {
         error = "cannot read tree file '" + options.sTreeFile + "'";
@@ -59,7 +68,8 @@ int main(int argc, char** argv) {
         fputs(SimUsage(), stdout);
         return 0;
     }
-    if (!CheckFiles(options, error))
+    std::unique_ptr<CSimScenario> scenario;
+    if (!CheckFiles(options, scenario, error))
         return Fail(kExitUsage, error);
 
     CTlsIdentity identity;
@@ -78,7 +88,7 @@ int main(int argc, char** argv) {
     pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
     signal(SIGPIPE, SIG_IGN);
 
-    CSimServer server(options);
+    CSimServer server(options, std::move(scenario));
     if (!server.Open(identity, error))
         return Fail(error.rfind("cannot open log", 0) == 0 ? kExitUsage : kExitServeFailed, error);
 

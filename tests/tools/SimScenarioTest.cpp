@@ -1,0 +1,133 @@
+// Scenarios of the REST daemon simulator: which tree and which faults hold at which time,
+// the errors of a scenario file, and the shipped scenarios' stories.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "SimScenario.h"
+#include "storage/TLRaidData.h"
+#include "support/Process.h"
+#include "support/TempDir.h"
+
+namespace {
+
+struct Loaded {
+    bool ok;
+    std::string error;
+    CSimScenario scenario;
+};
+
+// A scenario with its trees a.xml ("A") and b.xml ("B @PROGRESS@") beside it.
+Loaded LoadScenario(const TempDir& dir, const std::string& json) {
+    dir.Write("a.xml", "A");
+    dir.Write("b.xml", "B @PROGRESS@ @PROGRESS@");
+    Loaded loaded;
+    loaded.ok = loaded.scenario.Load(dir.Write("scenario.json", json), loaded.error);
+    return loaded;
+}
+
+TEST(SimScenario, TreesAndFaultsByTime) {
+    TempDir dir;
+    Loaded loaded = LoadScenario(dir, R"({"note": "n", "steps": [
+        {"at_s": 0, "tree": "a.xml"},
+        {"at_s": 2.5, "faults": {"sdt": {"status": 503}}},
+        {"at_s": 4, "tree": "b.xml", "progress": {"from": 10, "by": 20, "every_s": 1.5, "to": 50}},
+        {"at_s": 9, "faults": {"authJwt": {"refuse": true}}},
+        {"at_s": 10, "tree": "a.xml"}]})");
+    ASSERT_TRUE(loaded.ok) << loaded.error;
+    const CSimScenario& s = loaded.scenario;
+    struct Row {
+        double at;
+        std::string tree;
+        int sdtStatus;
+        bool loginRefused;
+    } const rows[] = {
+        {0, "A", 0, false},         {2.499, "A", 0, false},   {2.5, "A", 503, false},
+        {3.999, "A", 503, false},   {4, "B 10 10", 0, false}, {5.499, "B 10 10", 0, false},
+        {5.5, "B 30 30", 0, false}, {7, "B 50 50", 0, false}, {8.9, "B 50 50", 0, false},
+        {9, "B 50 50", 0, true},    {10, "A", 0, false},      {1e6, "A", 0, false},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(s.TreeAt(row.at), row.tree) << row.at;
+        CEndpointFault sdt, login;
+        s.FaultAt(row.at, "sdt", sdt);
+        s.FaultAt(row.at, "authJwt", login);
+        EXPECT_EQ(sdt.nStatus, row.sdtStatus) << row.at;
+        EXPECT_EQ(login.bRefuse, row.loginRefused) << row.at;
+    }
+    EXPECT_EQ(s.StepIndexAt(9.5), 3u);
+    EXPECT_FALSE(s.ProgressAt(1).has_value());
+}
+
+TEST(SimScenario, FileErrorsAreToldAtLoad) {
+    const struct {
+        std::string json;
+        std::string message;
+    } rows[] = {
+        {"[]", "list of \"steps\""},
+        {R"({"steps": []})", "list of \"steps\""},
+        {R"({"steps": [{"at_s": 0, "tree": "a.xml"}], "extra": 1})", "\"extra\" is unknown"},
+        {R"({"steps": [{"at_s": 1, "tree": "a.xml"}]})", "first step is at 0 s"},
+        {R"({"steps": [{"at_s": 0}]})", "first step is at 0 s with a tree"},
+        {R"({"steps": [{"at_s": 0, "tree": "a.xml"}, {"at_s": 0, "tree": "a.xml"}]})",
+         "step 2: the first step"},
+        {R"({"steps": [{"at_s": 0, "tree": "missing.xml"}]})", "cannot read tree file"},
+        {R"({"steps": [{"at_s": 0, "tree": "a.xml", "tre": "b.xml"}]})", "\"tre\" is unknown"},
+        {R"({"steps": [{"at_s": 0, "tree": "a.xml", "closed": 1}]})", "\"closed\" is unknown"},
+        {R"({"steps": [{"at_s": 0, "tree": "a.xml", "faults": {"sdt": {"stat": 1}}}]})",
+         "'sdt.stat' is unknown"},
+        {R"({"steps": [{"at_s": 0, "tree": "a.xml"}, {"at_s": 1, "progress": {"from": 1}}]})",
+         "goes with the \"tree\""},
+        {R"({"steps": [{"at_s": 0, "tree": "a.xml", "progress": {"by": 1}}]})",
+         "at least \"from\""},
+        {R"({"steps": [{"at_s": 0, "tree": "a.xml", "progress": {"from": 1, "every_s": 0}}]})",
+         "\"progress.every_s\""},
+    };
+    for (const auto& row : rows) {
+        TempDir dir;
+        Loaded loaded = LoadScenario(dir, row.json);
+        EXPECT_FALSE(loaded.ok) << row.json;
+        EXPECT_NE(loaded.error.find(row.message), std::string::npos)
+            << row.json << " -> " << loaded.error;
+    }
+    CSimScenario scenario;
+    std::string error;
+    EXPECT_FALSE(scenario.Load("/nonexistent/scenario.json", error));
+    EXPECT_NE(error.find("cannot read scenario file"), std::string::npos);
+}
+
+// The MDC progress of the RAID-5 "Data" in the tree at a time; -1 without one.
+int DataProgress(const CSimScenario& scenario, double at) {
+    CTLRaidData doc;
+    EXPECT_TRUE(doc.SetDoc(scenario.TreeAt(at)));
+    EXPECT_TRUE(doc.IsValid()) << at;
+    return doc.GetMDCProgressMap().at("TL RAID EP540i A0L1");
+}
+
+TEST(SimScenario, ShippedScenariosTellTheirStory) {
+    std::string error;
+    CSimScenario failing;
+    ASSERT_TRUE(failing.Load(SourcePath("samples/scenarios/failing-drive.json"), error)) << error;
+    // Looked at every 15 s, the way the module polls.
+    std::vector<int> progress;
+    for (double at = 0; at <= 120; at += 15)
+        progress.push_back(DataProgress(failing, at));
+    EXPECT_EQ(progress, (std::vector<int>{37, 37, -1, 10, 30, 50, 70, 90, -1}));
+
+    CSimScenario away;
+    ASSERT_TRUE(away.Load(SourcePath("samples/scenarios/daemon-away.json"), error)) << error;
+    EXPECT_EQ(DataProgress(away, 29), 25);
+    EXPECT_FALSE(away.ClosedAt(29.9));
+    EXPECT_TRUE(away.ClosedAt(30) && away.ClosedAt(54.9));
+    CEndpointFault login, tree;
+    away.FaultAt(55, "authJwt", login);
+    away.FaultAt(74, "sdt", tree);
+    EXPECT_TRUE(login.ReplacesAnswer() && tree.ReplacesAnswer());
+    away.FaultAt(75, "sdt", tree);
+    EXPECT_TRUE(tree.IsEmpty());
+    EXPECT_FALSE(away.ClosedAt(75));
+    EXPECT_EQ(DataProgress(away, 75), 45);
+}
+
+}  // namespace
