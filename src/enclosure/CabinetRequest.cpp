@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "frame/SwitchProtocol.h"
 #include "enclosure/EnclosureStates.h"
 #include "frame/CabinetNumber.h"
 #include "frame/CommandRecord.h"
+#include "frame/SwitchProtocol.h"
 #include "runtime/DebugClient.h"
 
 namespace {
@@ -177,8 +177,10 @@ constexpr Row kRows[] = {
     {oc::kCabinetSettingRead, true, oc::kSelectFanSetting, Bound::kFans, ZeroValue},
     {oc::kCabinetSettingRead, true, oc::kSelectSensorSetting, Bound::kTempSensors, ZeroValue},
     {oc::kCabinetSettingRead, true, oc::kSelectSensorSettingSecond, Bound::kTempSensors, ZeroValue},
-    {oc::kCabinetSettingRead, true, oc::kSelectWarningTemperature, Bound::kTempSensors, WarningThreshold},
-    {oc::kCabinetSettingRead, true, oc::kSelectCriticalTemperature, Bound::kTempSensors, CriticalThreshold},
+    {oc::kCabinetSettingRead, true, oc::kSelectWarningTemperature, Bound::kTempSensors,
+     WarningThreshold},
+    {oc::kCabinetSettingRead, true, oc::kSelectCriticalTemperature, Bound::kTempSensors,
+     CriticalThreshold},
     {oc::kCabinetSettingWrite, true, oc::kSelectFanSetting, Bound::kFans, SetValue},
     {oc::kCabinetSettingWrite, true, oc::kSelectSensorSetting, Bound::kTempSensors, SetValue},
     {oc::kCabinetPresent, false, 0, Bound::kNone, CabinetPresent},

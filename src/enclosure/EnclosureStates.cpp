@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "enclosure/CabinetCodes.h"
 #include "enclosure/EnclosureCodes.h"
 #include "frame/CommandRecord.h"
+#include "frame/SwitchProtocol.h"
 #include "runtime/DebugClient.h"
 #include "storage/KeepPos.h"
 #include "storage/TLRaidData.h"
