@@ -48,7 +48,11 @@ constexpr uint32_t kDisksCustomerReplaceable = 0x2113;
 constexpr uint32_t kBatteriesCustomerReplaceable = 0x2114;
 constexpr uint32_t kAdapterStatus = 0x2116;
 constexpr uint32_t kAdapterDeviceId = 0x2117;
-constexpr uint32_t kAdapterPciIdentity = 0x2118;
+constexpr uint32_t kAdapterPciIdentity = 0x2118;  // OE selects the id
+constexpr uint32_t kSelectPciDeviceId = 0;
+constexpr uint32_t kSelectPciVendorId = 1;
+constexpr uint32_t kSelectPciSubsystemId = 2;
+constexpr uint32_t kSelectPciSubsystemVendorId = 3;
 constexpr uint32_t kAdapterProperty = 0x211D;
 
 // ---- Overall status ------------------------------------------------------------------------

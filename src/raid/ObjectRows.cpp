@@ -1,5 +1,6 @@
 // Handlers of single rows for adapters and the objects below them: what isn't a plain
 // mapped number, a name, a count or a property.
+#include "raid/PciIdentityRequest.h"
 #include "raid/RequestTable.h"
 #include "storage/AdapterDeviceId.h"
 #include "storage/StatusTables.h"
@@ -14,6 +15,12 @@ void AdapterDeviceId(CRequest& r, const RequestRow&) {
     std::string id;
     if (GetAdapterDeviceId(r.m_Adapter, id))
         r.AnswerText(id);
+}
+
+// Ids of the host's PCI device at the adapter's address; an OE it doesn't know still
+// leaves the result at 1.
+void AdapterPciIdentity(CRequest& r, const RequestRow&) {
+    AnswerPciIdentity(r.m_Record, r.m_Adapter);
 }
 
 // The drive's size by its low 32 bits.

@@ -6,13 +6,6 @@
 
 namespace {
 
-enum PciIdentitySelector : uint32_t {
-    kDeviceId = 0,
-    kVendorId = 1,
-    kSubsystemId = 2,
-    kSubsystemVendorId = 3,
-};
-
 constexpr uint8_t kHeaderLayoutMask = 0x7F;
 
 bool SameAddress(const PciAddress& pci, const AdapterPciAddress& tree) {
@@ -43,7 +36,7 @@ void AnswerPciIdentity(CommandRecord& record, CTLRaidData& adapter,
         return;
     }
     const uint32_t selector = record.GetField("OE", 0);
-    if (selector > kSubsystemVendorId) {
+    if (selector > oc::kSelectPciSubsystemVendorId) {
         record.SetStatus(status::kUnknownCode);
         return;
     }
@@ -56,16 +49,16 @@ void AnswerPciIdentity(CommandRecord& record, CTLRaidData& adapter,
     const bool plainHeader = (pci.nHeaderType & kHeaderLayoutMask) == 0;
     uint32_t value = 0;
     switch (selector) {
-        case kDeviceId:
+        case oc::kSelectPciDeviceId:
             value = pci.nDeviceId;
             break;
-        case kVendorId:
+        case oc::kSelectPciVendorId:
             value = pci.nVendorId;
             break;
-        case kSubsystemId:
+        case oc::kSelectPciSubsystemId:
             value = plainHeader ? pci.nSubDeviceId : 0;
             break;
-        case kSubsystemVendorId:
+        case oc::kSelectPciSubsystemVendorId:
             value = plainHeader ? pci.nSubVendorId : 0;
             break;
     }

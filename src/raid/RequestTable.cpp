@@ -82,6 +82,7 @@ const RequestRow kRows[] = {
     Mapped(oc::kAdapterType, kOfAdapter, rows::MappedByte, &T::GetAdapterType, nullptr),
     Mapped(oc::kAdapterStatus, kOfAdapter, rows::MappedByte, &T::GetAdapterStatus, AdapterStatus),
     On(oc::kAdapterDeviceId, kOfAdapter, rows::AdapterDeviceId),
+    On(oc::kAdapterPciIdentity, kOfAdapter, rows::AdapterPciIdentity),
     PropertyOf(oc::kAdapterProperty, kOfAdapter, &T::GetAdapterProperty),
 
     // Overall status.

@@ -104,6 +104,7 @@ void Declined(CRequest& r, const RequestRow& row);  // result 0, status as prese
 // Handlers of one row each, by family.
 void AdapterCount(CRequest& r, const RequestRow& row);
 void AdapterDeviceId(CRequest& r, const RequestRow& row);
+void AdapterPciIdentity(CRequest& r, const RequestRow& row);
 void MultiplexerStatus(CRequest& r, const RequestRow& row);
 void SmartOfAllDrives(CRequest& r, const RequestRow& row);
 void CustomerReplaceable(CRequest& r, const RequestRow& row);

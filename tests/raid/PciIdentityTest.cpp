@@ -6,14 +6,13 @@
 #include <string>
 
 #include "frame/CommandRecord.h"
+#include "frame/SwitchProtocol.h"
 #include "raid/PciIdentityRequest.h"
 #include "storage/TLRaidData.h"
 #include "support/Process.h"
 #include "support/SandboxHost.h"
 
 namespace {
-
-constexpr uint32_t kPciIdentity = 0x2118;
 
 std::vector<CSystemAdapter> g_Adapters;
 int g_nListed = 0;
@@ -43,7 +42,7 @@ void AdapterDoc(CTLRaidData& doc, const std::string& children) {
 
 // The answer as "ST" or "ST:DA".
 std::string Ask(CTLRaidData& adapter, uint32_t oe, SystemAdapterLister list) {
-    CommandRecord record(kPciIdentity, oe, 0, 0, 19);
+    CommandRecord record(oc::kAdapterPciIdentity, oe, 0, 0, 19);
     AnswerPciIdentity(record, adapter, list);
     std::string answer = std::to_string(record.GetField("ST", 0));
     uint32_t value = 0;

@@ -27,6 +27,12 @@ long ElapsedMs(const std::string& line) {
                                    : strtol(line.c_str() + at + sizeof(kElapsed) - 1, nullptr, 10);
 }
 
+std::vector<std::string> SampleHostOptions() {
+    const std::string dir = SourcePath("samples/localcli/");
+    return {"--localcli-pci", dir + "pci-list.txt", "--localcli-nic", dir + "nic-list.txt",
+            "--adapter-ini",  dir + "Adapter.ini",  "--pci-devices",  dir + "pci-devices"};
+}
+
 EmhostRun RunEmhost(const std::vector<std::string>& inputLines, const EmhostOptions& options) {
     TempDir dir;
     std::string tracePath = dir.Path() + "/trace.txt";

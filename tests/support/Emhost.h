@@ -24,4 +24,8 @@ std::string WithoutElapsed(const std::string& line);
 // The elapsed milliseconds of a result line, -1 without them.
 long ElapsedMs(const std::string& line);
 
+// Sandbox options that give its host the sample inventory of samples/localcli (PCI and NIC
+// lists, device names, the kernel's device list), as scripts/demo gives it.
+std::vector<std::string> SampleHostOptions();
+
 EmhostRun RunEmhost(const std::vector<std::string>& inputLines, const EmhostOptions& options = {});

@@ -82,12 +82,32 @@ std::string Size(Client& c, uint32_t oc, uint32_t oe, uint32_t oi, const char* u
     return r.Ok() ? std::to_string(r.number) + " " + unit : Client::NoAnswer(r.status);
 }
 
+// The ids of the host's PCI device at the adapter's address, each in hex or the status
+// that came instead.
+std::string PciIds(Client& c, uint32_t a) {
+    const std::pair<const char*, uint32_t> ids[] = {
+        {"device", oc::kSelectPciDeviceId},
+        {"vendor", oc::kSelectPciVendorId},
+        {"subsystem", oc::kSelectPciSubsystemId},
+        {"subsystem vendor", oc::kSelectPciSubsystemVendorId}};
+    std::string line;
+    for (const auto& [name, selector] : ids) {
+        Reply r = c.Ask(oc::kAdapterPciIdentity, selector, a);
+        char hex[24];
+        snprintf(hex, sizeof hex, "0x%04llX", static_cast<unsigned long long>(r.number));
+        line += std::string(line.empty() ? "" : ", ") + name + " " +
+                (r.Ok() ? hex : Client::NoAnswer(r.status));
+    }
+    return line;
+}
+
 void PrintAdapter(Client& c, uint32_t a) {
     printf("\nAdapter %u: %s\n", a, c.Text(oc::kAdapterName, 0, a).c_str());
     printf("  type %s, status %s, PCI device id %s\n",
            c.Show(oc::kAdapterType, 0, a, words::AdapterType).c_str(),
            c.Show(oc::kAdapterStatus, 0, a, words::AdapterStatus).c_str(),
            c.Text(oc::kAdapterDeviceId, 0, a).c_str());
+    printf("  PCI ids: %s\n", PciIds(c, a).c_str());
 
     TextTable drives({"#", "name", "type", "status", "SMART", "size"});
     for (uint32_t d = 0, n = c.Count(oc::kDriveCount, a); d < n; ++d) {
