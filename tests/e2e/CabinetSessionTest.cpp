@@ -129,4 +129,37 @@ TEST(CabinetSessionTest, WithoutEnclosuresTheListIsEmptyAndAnswered) {
         << run.trace;
 }
 
+// The inventory asks each listed cabinet as a client would, and says what the codes mean.
+TEST(CabinetSessionTest, InventoryShowsEachCabinetInItsStates) {
+    ProcessResult r =
+        RunProcess(InSandbox({"--sim", "--tree " + Sample("two-adapters-enclosures.xml")},
+                             {BuildPath("emhost"), "inventory"}));
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const char* expected[] = {
+        "Overall status:",
+        "Cabinets: 800, 801",
+        "Cabinet 800: VK16",
+        "  chassis model VK16R, vendor ORLANE, serial number VK16A2100011",
+        "    #  name   designation  status           location",
+        "    2  Fan 3  Fan_3        3 non critical   4 power supply",
+        "    3  Fan 4  Fan_4        6 not installed  4 power supply",
+        "    #  name           status          location        temperature  warning  critical",
+        "    1  Canister 1     4 non critical  3 canister      57 C         55 C     65 C",
+        "    4  PSU 1 hotspot  0 unknown       5 power supply  0 C          70 C     80 C",
+        "    1  Power Supply 1  2 critical",
+        "  Power supply redundancy: 0 not redundant",
+        "Cabinet 801: VK12 T2",
+        "  chassis model VK12T2, vendor ORLANE, serial number VK12B2100420",
+        "    1  Front panel  6 OK    2 LED panel     23 C         40 C     45 C",
+        "  Power supply redundancy: 1 redundant",
+        "Module deleted.",
+    };
+    size_t at = 0;
+    for (const char* line : expected) {
+        size_t found = r.out.find(line, at);
+        ASSERT_NE(found, std::string::npos) << "missing in order: " << line << "\n" << r.out;
+        at = found;
+    }
+}
+
 }  // namespace
