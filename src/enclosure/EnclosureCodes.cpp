@@ -5,7 +5,11 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "frame/SwitchProtocol.h"
+
 namespace {
+
+using namespace answer;
 
 struct CodeWord {
     const char* pszWord;
@@ -17,15 +21,15 @@ struct CodeWord {
 // One row per word, the code of each kind side by side: "Non Critical" is fine for a supply
 // but a warning for a fan and a sensor.
 constexpr CodeWord kStatusWords[] = {
-    {"OK", 1, 6, 1},
-    {"Critical", 2, 5, 2},
-    {"Non Critical", 3, 4, 1},
-    {"Unrecoverable", 2, 3, 2},
-    {"Not Installed", 6, 0, 0},
-    {"Unknown", 5, 0, 6},
-    {"Not Available", 5, 0, 2},
+    {"OK", kFanOk, kSensorOk, kSupplyOk},
+    {"Critical", kFanCritical, kSensorCritical, kSupplyCritical},
+    {"Non Critical", kFanNonCritical, kSensorNonCritical, kSupplyOk},
+    {"Unrecoverable", kFanCritical, kSensorUnrecoverable, kSupplyCritical},
+    {"Not Installed", kFanNotInstalled, kSensorUnknown, kSupplyNotInstalled},
+    {"Unknown", kFanUnknown, kSensorUnknown, kSupplyUnknown},
+    {"Not Available", kFanUnknown, kSensorUnknown, kSupplyCritical},
 };
-constexpr CodeWord kOtherStatus = {"", 5, 0, 0};
+constexpr CodeWord kOtherStatus = {"", kFanUnknown, kSensorUnknown, kSupplyNotInstalled};
 
 struct LocationWord {
     const char* pszWord;
@@ -33,29 +37,31 @@ struct LocationWord {
 };
 
 constexpr LocationWord kFanLocations[] = {
-    {"undefined", 0}, {"Power (0)", 4}, {"Power (1)", 4}, {"Power (2)", 4},
-    {"Power (3)", 4}, {"FEM (0)", 5},   {"FEM (1)", 5},
+    {"undefined", kFanLocationUndefined}, {"Power (0)", kFanInPowerSupply},
+    {"Power (1)", kFanInPowerSupply},     {"Power (2)", kFanInPowerSupply},
+    {"Power (3)", kFanInPowerSupply},     {"FEM (0)", kFanInFanModule},
+    {"FEM (1)", kFanInFanModule},
 };
 
 constexpr LocationWord kTempSensorLocations[] = {
-    {"SBB Canister (0)", 3},
-    {"SBB Canister (1)", 3},
-    {"LEDPanel", 2},
-    {"Midplane left", 4},
-    {"Baseboard left front", 4},
-    {"Baseboard right front", 4},
-    {"Baseboard left rear", 4},
-    {"Baseboard right rear", 4},
-    {"FEM (0)", 4},
-    {"FEM (1)", 4},
-    {"PSU (0) hotspot", 5},
-    {"PSU (0) inlet", 5},
-    {"PSU (1) hotspot", 5},
-    {"PSU (1) inlet", 5},
-    {"PSU (2) hotspot", 5},
-    {"PSU (2) inlet", 5},
-    {"PSU (3) hotspot", 5},
-    {"PSU (3) inlet", 5},
+    {"SBB Canister (0)", kSensorInCanister},
+    {"SBB Canister (1)", kSensorInCanister},
+    {"LEDPanel", kSensorAtLedPanel},
+    {"Midplane left", kSensorOnBoard},
+    {"Baseboard left front", kSensorOnBoard},
+    {"Baseboard right front", kSensorOnBoard},
+    {"Baseboard left rear", kSensorOnBoard},
+    {"Baseboard right rear", kSensorOnBoard},
+    {"FEM (0)", kSensorOnBoard},
+    {"FEM (1)", kSensorOnBoard},
+    {"PSU (0) hotspot", kSensorInPowerSupply},
+    {"PSU (0) inlet", kSensorInPowerSupply},
+    {"PSU (1) hotspot", kSensorInPowerSupply},
+    {"PSU (1) inlet", kSensorInPowerSupply},
+    {"PSU (2) hotspot", kSensorInPowerSupply},
+    {"PSU (2) inlet", kSensorInPowerSupply},
+    {"PSU (3) hotspot", kSensorInPowerSupply},
+    {"PSU (3) inlet", kSensorInPowerSupply},
 };
 
 const char* Text(const char* pszText) {
@@ -72,13 +78,13 @@ const CodeWord& StatusRow(const char* pszText) {
 }
 
 template <size_t N>
-uint8_t Location(const LocationWord (&rows)[N], const char* pszText) {
+uint8_t Location(const LocationWord (&rows)[N], const char* pszText, uint8_t nOther) {
     for (const LocationWord& row : rows) {
         if (strcasecmp(Text(pszText), row.pszWord) == 0) {
             return row.nCode;
         }
     }
-    return 0;
+    return nOther;
 }
 
 }  // namespace
@@ -96,11 +102,11 @@ uint8_t PowerSupplyStatusFromText(const char* pszText) {
 }
 
 uint8_t FanLocationFromText(const char* pszText) {
-    return Location(kFanLocations, pszText);
+    return Location(kFanLocations, pszText, kFanLocationUndefined);
 }
 
 uint8_t TempSensorLocationFromText(const char* pszText) {
-    return Location(kTempSensorLocations, pszText);
+    return Location(kTempSensorLocations, pszText, kSensorLocationOther);
 }
 
 long ParseNumberText(const char* pszText) {

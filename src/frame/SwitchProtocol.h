@@ -266,4 +266,49 @@ enum LearnCycle : uint8_t {
     kLearnCycleTimedOut = 4,
 };
 
+// Cabinet fan states, CM_FanStatus.
+enum FanState : uint8_t {
+    kFanOk = 1,
+    kFanCritical = 2,
+    kFanNonCritical = 3,
+    kFanUnknown = 5,
+    kFanNotInstalled = 6,
+};
+
+// Cabinet temperature sensor states, CM_TempSensorStatus.
+enum TempSensorState : uint8_t {
+    kSensorUnknown = 0,
+    kSensorUnrecoverable = 3,
+    kSensorNonCritical = 4,
+    kSensorCritical = 5,
+    kSensorOk = 6,
+};
+
+// Cabinet power supply states, CM_PowerSupplyStatus.
+enum PowerSupplyState : uint8_t {
+    kSupplyNotInstalled = 0,
+    kSupplyOk = 1,
+    kSupplyCritical = 2,
+    kSupplyUnknown = 6,
+};
+
+// Where a cabinet's fan sits, 771.
+enum FanLocationCode : uint8_t {
+    kFanLocationUndefined = 0,
+    kFanInPowerSupply = 4,
+    kFanInFanModule = 5,
+};
+
+// Where a cabinet's temperature sensor sits, 1027.
+enum TempSensorLocationCode : uint8_t {
+    kSensorLocationOther = 0,
+    kSensorAtLedPanel = 2,
+    kSensorInCanister = 3,
+    kSensorOnBoard = 4,  // midplane, baseboard or fan module
+    kSensorInPowerSupply = 5,
+};
+
+// Redundancy of a cabinet's power supplies, CM_PowerSupplyRedundancy.
+enum SupplyRedundancy : uint8_t { kSuppliesNotRedundant = 0, kSuppliesRedundant = 1 };
+
 }  // namespace answer

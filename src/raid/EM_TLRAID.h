@@ -6,6 +6,7 @@
 #include <mutex>
 #include <string>
 
+#include "enclosure/EnclosureMap.h"
 #include "frame/ExtensionModule.h"
 #include "inventory/PciConfigList.h"
 #include "raid/RaidSettings.h"
@@ -35,6 +36,7 @@ class EM_TLRAID : public CExtensionModule {
     int Stop() override;
     void OnSwitchStarted() override;
     uint32_t ModuleRequest(CommandRecord* record) override;
+    int GetServerSeList(uint32_t** list, uint8_t* count) override;
     const char* GetModuleName() override { return kModuleName; }
     void ClientDetached(uint32_t clientId) override;
 
@@ -59,6 +61,10 @@ class EM_TLRAID : public CExtensionModule {
     bool IsCssBbu() const { return m_bCSS_BBU; }
     bool AreTestRequestsEnabled() const { return m_bTestRequestsEnabled; }
 
+    // The enclosure map once it is set up; before that an empty map that nothing writes, so
+    // that requests find no cabinet while set-up still fills the real one.
+    EnclosureMap& EnclosureMapForRequests();
+
   private:
     void StartPollingThread();
     bool FetchFirstSnapshot(CTLRaidData& doc, uint32_t clientId, std::string& text);
@@ -74,7 +80,7 @@ class EM_TLRAID : public CExtensionModule {
     CEvent m_evStopRequest;
     CThread m_WaitThread;
     CThread m_SpareThread;
-    // The enclosure map stands here.
+    EnclosureMap m_EnclosureMap;
     CThread m_PollingThread;
     CEvent m_evPollWake;
     CEvent m_evPollEnded;
@@ -90,6 +96,9 @@ class EM_TLRAID : public CExtensionModule {
     std::atomic<bool> m_bAdaptersPresent{false};
     std::atomic<bool> m_bRestServerSeen{false};
     std::atomic<bool> m_bAgentlessSwitch{false};
+
+    // Set once the enclosure map is set up; from then on its shape stays as it is.
+    std::atomic<bool> m_bEnclosureMapReady{false};
 
     RaidTimings m_Timings;
     // Orders Stop against a wait thread that starts the polling thread at the same moment.

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "enclosure/EnclosureSetup.h"
 #include "raid/EM_TLRAID.h"
 #include "rest/RestConstants.h"
 #include "runtime/DebugClient.h"
@@ -221,7 +222,15 @@ bool EM_TLRAID::InitializeAfterTLRaidStart() {
     }
 
     m_bAdaptersPresent = doc.GetAdapterCount() != 0;
-    // The enclosure map is set up here from the tree when it holds adapters.
+    if (m_bAdaptersPresent) {
+        bool found = SetupEnclosureMap(m_EnclosureMap, doc) != 0;
+        // Requests see the map from now on; it is set up once in the module's life.
+        m_bEnclosureMapReady.store(true, std::memory_order_release);
+        if (found)
+            TLR_TRACE(2, "\nEM_TLRAID           : Init, SetupEnclosure OK");
+        else
+            TLR_TRACE(2, "\nEM_TLRAID           : Init, SetupEnclosure FAILED");
+    }
 
     {
         std::lock_guard<std::mutex> guard(m_PollingStartLock);

@@ -1,8 +1,8 @@
 // The module's answers to the switch: each request's object code selects a row of the
 // request table, and the row answers from the client's snapshot of the storage tree.
+#include "enclosure/CabinetRequest.h"
 #include "raid/EM_TLRAID.h"
 #include "raid/RequestTable.h"
-#include "runtime/DebugClient.h"
 
 namespace {
 
@@ -14,11 +14,8 @@ uint32_t EM_TLRAID::ModuleRequest(CommandRecord* record) {
     TraceRequest(*record, kTraceLevel);
     uint32_t result = 0;
     if (!record->IsForThisCabinet()) {
-        // Requests for an enclosure's cabinet are answered from the enclosure map, which
-        // holds no cabinet yet.
-        record->SetStatus(status::kCabinetUnknown);
-        TLR_TRACE(4, "\nEM_TLRaid           : REQUEST for cabinet %d rejected",
-                  static_cast<int>(record->GetField("CA", 0)));
+        // Another cabinet: an enclosure's, answered from the enclosure map alone.
+        result = HandleCabinetRequest(EnclosureMapForRequests(), *record);
     } else {
         record->SetStatus(status::kNotAvailable);
         result = AnswerRequest(*this, *record);

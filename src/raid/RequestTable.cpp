@@ -12,7 +12,8 @@
 // A code that needs none of the usual steps (a tree of its own, no snapshot, another status
 // for a missing tree) has Steps::kNone, and its handler takes what it needs from the
 // CRequest. One-off handlers live by family: OverallRows.cpp for the server as a whole and
-// the codes outside the storage range, ObjectRows.cpp for adapters and their objects.
+// the codes outside the storage range, ObjectRows.cpp for adapters and their objects,
+// Cabinets.cpp for the cabinets.
 #include "raid/RequestTable.h"
 
 #include "raid/StatusMaps.h"
@@ -75,6 +76,9 @@ const RequestRow kRows[] = {
     Plain(oc::kDeclinedIdentitySecond, Steps::kNone, rows::Declined),
     Plain(oc::kAbsentObjectFirst, Steps::kNone, rows::NoSuchObject),
     Plain(oc::kAbsentObjectSecond, Steps::kNone, rows::NoSuchObject),
+
+    // The server's cabinets: the external enclosures, from the enclosure map.
+    Plain(oc::kCabinetNumbers, Steps::kNone, rows::CabinetList),
 
     // Adapters.
     Plain(oc::kAdapterCount, Steps::kSnapshot, rows::AdapterCount),

@@ -109,6 +109,7 @@ void MultiplexerStatus(CRequest& r, const RequestRow& row);
 void SmartOfAllDrives(CRequest& r, const RequestRow& row);
 void CustomerReplaceable(CRequest& r, const RequestRow& row);
 void RenewSnapshot(CRequest& r, const RequestRow& row);
+void CabinetList(CRequest& r, const RequestRow& row);
 void IdentityText(CRequest& r, const RequestRow& row);
 void DriveSize(CRequest& r, const RequestRow& row);
 void DriveEnclosureIndex(CRequest& r, const RequestRow& row);

@@ -96,6 +96,13 @@ TEST(RaidSessionTest, InventoryOfTheDemoServer) {
         noIds,
         "  Batteries: none",
         "  disks           1 OK",
+        "Cabinets: 800",
+        "Cabinet 800: VK16",
+        "  chassis model VK16R, vendor ORLANE, serial number VK16A2034501",
+        "    3  Fan 4  Fan_4        1 OK    4 power supply",
+        "    2  Front panel  6 OK    2 LED panel     24 C         40 C     45 C",
+        "    1  Power Supply 1  1 OK",
+        "  Power supply redundancy: 1 redundant",
         "Stopping the module (a stop takes 10 s by design)...",
         "Module deleted.",
     };
@@ -112,6 +119,8 @@ TEST(RaidSessionTest, InventoryWithoutTheServiceSaysSo) {
     EXPECT_EQ(r.exitCode, 1);
     EXPECT_NE(r.out.find("No storage tree: the module answers (not available)."), std::string::npos)
         << r.out;
+    // No tree, no set-up: the list of cabinets is answered, and empty.
+    EXPECT_NE(r.out.find("\nCabinets: none\n"), std::string::npos) << r.out;
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 
+#include "InventoryCabinets.h"
 #include "InventoryWords.h"
 #include "TextTable.h"
 #include "frame/CommandRecord.h"
@@ -185,6 +186,7 @@ int PrintInventory(CIExtensionModule& module, ISwitch& hostSwitch) {
         overall.Add({"disks", client.Show(oc::kDisksStatus, 0, 0, words::ComponentStatus)});
         overall.Print(stdout, "  ");
     }
+    PrintCabinets(module);
     printf("\nStopping the module (a stop takes 10 s by design)...\n");
     fflush(stdout);
     module.Stop();

@@ -108,4 +108,52 @@ std::string ComponentStatus(uint32_t v) {
     return Lookup(words, v);
 }
 
+std::string FanStatus(uint32_t v) {
+    static const std::map<uint32_t, const char*> words = {{kFanOk, "OK"},
+                                                          {kFanCritical, "critical"},
+                                                          {kFanNonCritical, "non critical"},
+                                                          {kFanUnknown, "unknown"},
+                                                          {kFanNotInstalled, "not installed"}};
+    return Lookup(words, v);
+}
+
+std::string FanLocation(uint32_t v) {
+    static const std::map<uint32_t, const char*> words = {{kFanLocationUndefined, "undefined"},
+                                                          {kFanInPowerSupply, "power supply"},
+                                                          {kFanInFanModule, "fan module"}};
+    return Lookup(words, v);
+}
+
+std::string TempSensorStatus(uint32_t v) {
+    static const std::map<uint32_t, const char*> words = {{kSensorUnknown, "unknown"},
+                                                          {kSensorUnrecoverable, "unrecoverable"},
+                                                          {kSensorNonCritical, "non critical"},
+                                                          {kSensorCritical, "critical"},
+                                                          {kSensorOk, "OK"}};
+    return Lookup(words, v);
+}
+
+std::string TempSensorLocation(uint32_t v) {
+    static const std::map<uint32_t, const char*> words = {{kSensorLocationOther, "other"},
+                                                          {kSensorAtLedPanel, "LED panel"},
+                                                          {kSensorInCanister, "canister"},
+                                                          {kSensorOnBoard, "board"},
+                                                          {kSensorInPowerSupply, "power supply"}};
+    return Lookup(words, v);
+}
+
+std::string PowerSupplyStatus(uint32_t v) {
+    static const std::map<uint32_t, const char*> words = {{kSupplyNotInstalled, "not installed"},
+                                                          {kSupplyOk, "OK"},
+                                                          {kSupplyCritical, "critical"},
+                                                          {kSupplyUnknown, "unknown"}};
+    return Lookup(words, v);
+}
+
+std::string Redundancy(uint32_t v) {
+    static const std::map<uint32_t, const char*> words = {{kSuppliesNotRedundant, "not redundant"},
+                                                          {kSuppliesRedundant, "redundant"}};
+    return Lookup(words, v);
+}
+
 }  // namespace inventory_words

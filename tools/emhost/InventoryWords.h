@@ -17,4 +17,12 @@ std::string LearnCycle(uint32_t value);
 // 1, 2, 3 as OK, warning, failed; 0 as unknown.
 std::string ComponentStatus(uint32_t value);
 
+// A cabinet's objects: each kind has a code set of its own.
+std::string FanStatus(uint32_t value);
+std::string FanLocation(uint32_t value);
+std::string TempSensorStatus(uint32_t value);
+std::string TempSensorLocation(uint32_t value);
+std::string PowerSupplyStatus(uint32_t value);
+std::string Redundancy(uint32_t value);
+
 }  // namespace inventory_words

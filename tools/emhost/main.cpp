@@ -47,8 +47,9 @@ const char kUsage[] =
     "Empty lines and lines beginning with # are skipped. See README.md for the members.\n"
     "\n"
     "inventory: creates and starts the module, prints what a client of the switch sees\n"
-    "(adapters, drives, logical drives, batteries, ports, enclosures, overall status) as\n"
-    "tables, then stops and deletes the module.\n";
+    "(adapters, drives, logical drives, batteries, ports, enclosures, overall status, and\n"
+    "the cabinets of the external enclosures with their fans, sensors and power supplies)\n"
+    "as tables, then stops and deletes the module.\n";
 
 struct Options {
     bool inventory = false;
