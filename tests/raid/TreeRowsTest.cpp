@@ -74,6 +74,18 @@ TEST_F(TreeRowsTest, ExportSelectorAndMissingTree) {
     EXPECT_EQ(Answer(0x21D0, 1, 0, 6), R"({"ST":19})");
 }
 
+// Trees that the reader refuses are no snapshot, though the export itself could rebuild them.
+TEST_F(TreeRowsTest, RefusedTreesAreNotExported) {
+    uint32_t client = 10;
+    for (const char* name :
+         {"adapter-initializing.xml", "mux-not-operational.xml", "version1-sasport.xml"}) {
+        ServeTree(SampleTree(name));
+        ++client;
+        EXPECT_EQ(Answer(0x21D0, 0, 0, client), R"({"ST":19})") << name;
+        EXPECT_EQ(Answer(0x21D0, 1, 0, client), R"({"ST":19})") << name;
+    }
+}
+
 TEST_F(TreeRowsTest, PathQuestionTellsOnlyWhetherThePathExists) {
     struct Row {
         uint32_t oe;
