@@ -93,6 +93,7 @@ struct RequestRows {
     const RequestRow* pEnd;
 };
 RequestRows TreeRequestRows();  // TreeRows.cpp: the tree as a whole, pass-through, tests
+
 // Carries out the row of the record's OC (status 1 and result 0 without one); the result
 // of ModuleRequest.
 uint32_t AnswerRequest(EM_TLRAID& module, CommandRecord& record);

@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr int kPathMode = 1;
-constexpr uint32_t kPathSelector = 0;  // the only selector of the path question
 constexpr uint32_t kTestValueMask = 0xFF;
 
 // The request's text from its first byte; false when its data holds none.
@@ -50,10 +48,10 @@ void ValueByPath(CRequest& r, const RequestRow&) {
     BuildStorageDeviceTree(exported, r.m_Tree);
     std::string path;
     RequestText(r, path);
-    if (r.m_nSelector != kPathSelector)
+    if (r.m_nSelector != oc::kSelectPathInRawTree)
         return;
     std::string value;
-    if (GetValueByPath(r.m_Tree, value, path.c_str(), kPathMode))
+    if (GetValueByPath(r.m_Tree, value, path.c_str(), kPathMustExist))
         r.AnswerText(value);
 }
 
