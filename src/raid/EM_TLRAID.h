@@ -55,6 +55,16 @@ class EM_TLRAID : public CExtensionModule {
     bool ClearAllSnapshots();
     size_t SnapshotCount();
 
+    // Requests that go to the REST daemon themselves, past the snapshots.
+    // The raw tree as the daemon sends it now; false, xml untouched, without one.
+    bool FetchRawTree(std::string& xml);
+    // Passes a Redfish request through to the RAID manager; always 1, whatever came back.
+    int RaidRedfishRequest(const std::string& body, std::string& reply);
+
+    // The test attribute that a client sets: stored, and read by nothing but the tests.
+    void SetTestAttribute(const std::string& name, uint32_t value);
+    std::string GetTestAttribute(uint32_t& value);
+
     // Flags for tests and the host's view.
     bool IsTerminating() const { return m_isTerminating; }
     bool IsCssHdd() const { return m_bCSS_HDD; }
@@ -86,6 +96,8 @@ class EM_TLRAID : public CExtensionModule {
     CEvent m_evPollEnded;
     std::string m_sTestAttribute;
     uint32_t m_nTestAttributeValue = 0;
+    // Two clients may set the attribute at once; nothing else waits on this.
+    std::mutex m_TestAttributeLock;
     uint32_t m_nReserved = 0;
     TLRAIDRestClient m_DetectRestClient;
     // Flags read by other threads without a lock.

@@ -13,7 +13,8 @@
 // for a missing tree) has Steps::kNone, and its handler takes what it needs from the
 // CRequest. One-off handlers live by family: OverallRows.cpp for the server as a whole and
 // the codes outside the storage range, ObjectRows.cpp for adapters and their objects,
-// Cabinets.cpp for the cabinets.
+// Cabinets.cpp for the cabinets. A family whose rows all do their own work may keep rows and
+// handlers in a file of its own (TreeRows.cpp), named in kFamilies below.
 #include "raid/RequestTable.h"
 
 #include "raid/StatusMaps.h"
@@ -148,6 +149,10 @@ const RequestRow kRows[] = {
     Plain(oc::kRenewSnapshot, Steps::kNone, rows::RenewSnapshot),
 };
 
+// The families with files of their own.
+using FamilyRows = RequestRows (*)();
+const FamilyRows kFamilies[] = {TreeRequestRows};
+
 // The steps of a row; false when one of them failed and set its status.
 bool RunSteps(CRequest& request, const RequestRow& row) {
     if (row.bNamedByText && !request.DataPresent())
@@ -179,6 +184,13 @@ const RequestRow* FindRequestRow(uint32_t code) {
     for (const RequestRow& row : kRows) {
         if (row.nCode == code)
             return &row;
+    }
+    for (FamilyRows family : kFamilies) {
+        RequestRows rows = family();
+        for (const RequestRow* row = rows.pFirst; row != rows.pEnd; ++row) {
+            if (row->nCode == code)
+                return row;
+        }
     }
     return nullptr;
 }

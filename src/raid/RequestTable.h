@@ -86,6 +86,14 @@ struct RequestRow {
 
 // The row of an object code; null when it has none.
 const RequestRow* FindRequestRow(uint32_t code);
+
+// The rows of a family kept in a file of its own; FindRequestRow searches them too.
+struct RequestRows {
+    const RequestRow* pFirst;
+    const RequestRow* pEnd;
+};
+RequestRows TreeRequestRows();  // TreeRows.cpp: the tree as a whole, pass-through, tests
+
 // Carries out the row of the record's OC (status 1 and result 0 without one); the result
 // of ModuleRequest.
 uint32_t AnswerRequest(EM_TLRAID& module, CommandRecord& record);

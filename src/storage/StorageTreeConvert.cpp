@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr int kPathMode = 1;
-
 // Clients expect exactly these entries, "Enlosure" included: the tree's Enclosure elements
 // don't match the three entries that name it, and are arrays only where several stand
 // together. An entry matches only where every level of the path is the first of its name.
@@ -79,7 +77,7 @@ bool ExportStorageTree(CXmlDoc& tree, int nFormat, std::string& sOut) {
 }
 
 bool GetValueByPath(CXmlDoc& tree, std::string& sValue, const char* pszPath, int nMode) {
-    if (!pszPath || !*pszPath || nMode != kPathMode) {
+    if (!pszPath || !*pszPath || nMode != kPathMustExist) {
         return false;
     }
     const std::vector<std::string> aPieces = SplitPath(pszPath);

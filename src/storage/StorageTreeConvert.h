@@ -24,6 +24,9 @@ bool ConvertStorageTree(CXmlDoc& doc, std::string& sOut, int nFormat);
 // ConvertStorageTree. A tree without amEMTL leaves the text untouched, with true.
 bool ExportStorageTree(CXmlDoc& tree, int nFormat, std::string& sOut);
 
+// The one mode of GetValueByPath.
+constexpr int kPathMustExist = 1;
+
 // Whether a path of element names below amEMTL exists in a whole tree, as "System/Adapter[1]"
 // ("[n]" from 0, in decimal, octal with a leading 0 or hexadecimal with 0x). The only mode is
 // 1. On success the value is always the empty text: the walk ends at a position without text.

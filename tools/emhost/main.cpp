@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "Export.h"
 #include "HostOutput.h"
 #include "HostSwitch.h"
 #include "HostTraceServer.h"
@@ -27,6 +28,8 @@ const char kUsage[] =
     "usage: emhost [--module PATH] [--switch-type N] [--answer OC=JSON]... [--trace FILE] "
     "[SCRIPT]\n"
     "       emhost inventory [--module PATH] [--switch-type N] [--answer OC=JSON]... "
+    "[--trace FILE]\n"
+    "       emhost export [--json] [--module PATH] [--switch-type N] [--answer OC=JSON]... "
     "[--trace FILE]\n"
     "\n"
     "Loads an extension module and drives it with JSON lines, one per line, from SCRIPT or\n"
@@ -49,10 +52,18 @@ const char kUsage[] =
     "inventory: creates and starts the module, prints what a client of the switch sees\n"
     "(adapters, drives, logical drives, batteries, ports, enclosures, overall status, and\n"
     "the cabinets of the external enclosures with their fans, sensors and power supplies)\n"
-    "as tables, then stops and deletes the module.\n";
+    "as tables, then stops and deletes the module.\n"
+    "\n"
+    "export: creates and starts the module, asks it for the whole storage tree as a client\n"
+    "does (object code 0x21D0) and writes the answer to standard output exactly as it came:\n"
+    "XML, or with --json its JSON form. Then stops and deletes the module. Exit status 1\n"
+    "when the module gave no tree.\n";
+
+enum class Mode { kLines, kInventory, kExport };
 
 struct Options {
-    bool inventory = false;
+    Mode mode = Mode::kLines;
+    bool json = false;
     std::string module;
     uint32_t switchType = 1;
     std::vector<std::pair<uint32_t, std::string>> answers;
@@ -92,7 +103,10 @@ Options ParseOptions(int argc, char** argv) {
     Options o;
     int first = 1;
     if (argc > 1 && std::string(argv[1]) == "inventory") {
-        o.inventory = true;
+        o.mode = Mode::kInventory;
+        first = 2;
+    } else if (argc > 1 && std::string(argv[1]) == "export") {
+        o.mode = Mode::kExport;
         first = 2;
     }
     for (int i = first; i < argc; ++i) {
@@ -121,10 +135,13 @@ Options ParseOptions(int argc, char** argv) {
             o.answers.emplace_back(oc, answer.substr(eq + 1));
         } else if (arg == "--trace") {
             o.trace = value("--trace");
+        } else if (arg == "--json" && o.mode == Mode::kExport) {
+            o.json = true;
         } else if (arg.size() > 1 && arg[0] == '-') {
             UsageError("unknown option " + arg);
-        } else if (o.inventory) {
-            UsageError("inventory takes no SCRIPT");
+        } else if (o.mode != Mode::kLines) {
+            UsageError(std::string(o.mode == Mode::kInventory ? "inventory" : "export") +
+                       " takes no SCRIPT");
         } else if (o.script.empty()) {
             o.script = arg;
         } else {
@@ -143,16 +160,19 @@ Options ParseOptions(int argc, char** argv) {
     _exit(0);
 }
 
-// Creates the module, prints its inventory and deletes it again.
-int RunInventory(ModuleLibrary& library, ISwitch& hostSwitch) {
+// Creates the module, prints its inventory or its tree and deletes it again.
+int RunOnce(const Options& options, ModuleLibrary& library, ISwitch& hostSwitch) {
     CIExtensionModule* module = nullptr;
     if (!library.Create(&module, 0) || !module) {
         fprintf(stderr, "emhost: the module could not be created\n");
         return 1;
     }
-    int status = PrintInventory(*module, hostSwitch);
+    const bool inventory = options.mode == Mode::kInventory;
+    int status = inventory ? PrintInventory(*module, hostSwitch)
+                           : PrintExport(*module, hostSwitch, options.json);
     library.Delete();
-    printf("Module deleted.\n");
+    if (inventory)
+        printf("Module deleted.\n");
     return status;
 }
 
@@ -175,7 +195,7 @@ int main(int argc, char** argv) {
         }
     }
 
-    static HostOutput output(options.inventory ? nullptr : stdout);
+    static HostOutput output(options.mode == Mode::kLines ? stdout : nullptr);
     static HostSwitch hostSwitch(output, options.switchType);
     for (const auto& [oc, json] : options.answers) {
         std::string error;
@@ -189,8 +209,8 @@ int main(int argc, char** argv) {
         return kUsageError;
     }
 
-    if (options.inventory)
-        return RunInventory(library, hostSwitch);
+    if (options.mode != Mode::kLines)
+        return RunOnce(options, library, hostSwitch);
 
     LineProtocol protocol(output, hostSwitch, library);
     std::istream& in = options.script.empty() ? std::cin : scriptFile;

@@ -1,0 +1,219 @@
+// The rows on the tree as a whole: export, path question, adapter by device id, the raw tree,
+// the Redfish pass-through and the test attribute, with the statuses that set them apart
+// from the object rows.
+#include <rapidjson/document.h>
+
+#include <cstdio>
+#include <sstream>
+
+#include "RaidTestKit.h"
+#include "support/CaptureTraceServer.h"
+#include "support/Process.h"
+
+namespace {
+
+std::string ExportedSample(const std::string& name) {
+    return ReadWholeFile(SourcePath("samples/export/" + name));
+}
+
+// The JSON text of a DA string.
+std::string Quoted(const std::string& text) {
+    std::string out = "\"";
+    for (char c : text) {
+        if (c == '"' || c == '\\')
+            out += '\\';
+        out += c;
+    }
+    return out + "\"";
+}
+
+class TreeRowsTest : public RaidModuleTest {
+  protected:
+    void SetUp() override {
+        RaidModuleTest::SetUp();
+        ServeSample("batteries.xml");
+        MakeModule(false);
+    }
+    // The DA text of an answer, and its status.
+    std::string Text(uint32_t oc, uint32_t oe, uint32_t ci, uint32_t& st,
+                     const std::string& daJson = "") {
+        auto record = Ask(oc, oe, 0, ci, daJson);
+        st = record->GetField("ST", 99);
+        std::string text;
+        record->GetDataString(0, text, 0);
+        return text;
+    }
+    // The bodies that reached the daemon's Redfish endpoint, in order.
+    std::vector<std::string> RedfishBodies() {
+        std::vector<std::string> bodies;
+        for (const std::string& line : Lines(ReadWholeFile(m_sLogPath))) {
+            rapidjson::Document entry;
+            entry.Parse(line.c_str());
+            if (entry.IsObject() &&
+                std::string(entry["path"].GetString()).find("redfishOp") != std::string::npos)
+                bodies.push_back(entry["body"].GetString());
+        }
+        return bodies;
+    }
+};
+
+TEST_F(TreeRowsTest, ExportGivesTheSampleInBothForms) {
+    uint32_t st = 99;
+    EXPECT_EQ(Text(0x21D0, 0, 1, st), ExportedSample("batteries.xml"));
+    EXPECT_EQ(st, 0u);
+    EXPECT_EQ(Text(0x21D0, 1, 1, st), ExportedSample("batteries.json"));
+    EXPECT_EQ(st, 0u);
+}
+
+TEST_F(TreeRowsTest, ExportSelectorAndMissingTree) {
+    // An unknown form is refused before any snapshot is fetched.
+    EXPECT_EQ(Answer(0x21D0, 2, 0, 5), R"({"ST":1})");
+    EXPECT_EQ(TreeRequests(), 0u);
+    ServeTree("<notATree/>");
+    EXPECT_EQ(Answer(0x21D0, 0, 0, 6), R"({"ST":19})");
+    EXPECT_EQ(Answer(0x21D0, 1, 0, 6), R"({"ST":19})");
+}
+
+// Trees that the reader refuses are no snapshot, though the export itself could rebuild them.
+TEST_F(TreeRowsTest, RefusedTreesAreNotExported) {
+    uint32_t client = 10;
+    for (const char* name :
+         {"adapter-initializing.xml", "mux-not-operational.xml", "version1-sasport.xml"}) {
+        ServeTree(SampleTree(name));
+        ++client;
+        EXPECT_EQ(Answer(0x21D0, 0, 0, client), R"({"ST":19})") << name;
+        EXPECT_EQ(Answer(0x21D0, 1, 0, client), R"({"ST":19})") << name;
+    }
+}
+
+TEST_F(TreeRowsTest, PathQuestionTellsOnlyWhetherThePathExists) {
+    struct Row {
+        uint32_t oe;
+        const char* da;
+        const char* want;
+    } rows[] = {
+        // The walk starts below the root and never delivers a value.
+        {0, R"("System/Adapter[0]/Status")", R"({"ST":0,"DA":""})"},
+        {0, R"("/System/Adapter[0x3]/PCIBus")", R"({"ST":0,"DA":""})"},
+        {0, R"("System/Adapter[04]/Battery")", R"({"ST":0,"DA":""})"},
+        {0, R"("System/Adapter[0x5]")", R"({"ST":19,"DA":"System/Adapter[0x5]"})"},
+        {0, R"("System/Nothing")", R"({"ST":19,"DA":"System/Nothing"})"},
+        {0, R"("amEMTL/System")", R"({"ST":19,"DA":"amEMTL/System"})"},
+        {0, R"("")", R"({"ST":19,"DA":""})"},
+        {1, R"("System")", R"({"ST":19,"DA":"System"})"},
+        {0, "", R"({"ST":18})"},
+    };
+    for (const Row& r : rows)
+        EXPECT_EQ(Answer(0x21DD, r.oe, 0, 1, r.da), r.want) << r.da;
+    ServeTree("");
+    EXPECT_EQ(Answer(0x21DD, 0, 0, 2, R"("System")"), R"({"ST":19,"DA":"System"})");
+}
+
+TEST_F(TreeRowsTest, AdapterByDeviceId) {
+    struct Row {
+        uint32_t oc;
+        const char* da;
+        const char* want;
+    } rows[] = {
+        {0x21F0, R"("TYPE_PCI&BUS_26&DEV_0&FUNC_0")", R"({"ST":0,"DA":2})"},
+        {0x21F0, R"("TYPE_PCI&BUS_99&DEV_0&FUNC_0")",
+         R"({"ST":19,"DA":"TYPE_PCI&BUS_99&DEV_0&FUNC_0"})"},
+        {0x21F0, "", R"({"ST":18})"},
+        // Counted among the adapters with a battery, up to and including the one found.
+        {0x21F1, R"("TYPE_PCI&BUS_27&DEV_0&FUNC_0")", R"({"ST":0,"DA":3})"},
+        {0x21F1, R"("TYPE_PCI&BUS_26&DEV_0&FUNC_0")",
+         R"({"ST":19,"DA":"TYPE_PCI&BUS_26&DEV_0&FUNC_0"})"},
+        {0x21F1, "", R"({"ST":18})"},
+    };
+    for (const Row& r : rows)
+        EXPECT_EQ(Answer(r.oc, 0, 0, 1, r.da), r.want) << std::hex << r.oc << " " << r.da;
+    // Without a tree these two answer 6, not 19.
+    ServeTree("no tree");
+    for (uint32_t oc : {0x21F0u, 0x21F1u}) {
+        EXPECT_EQ(Answer(oc, 0, 0, 2, R"("TYPE_PCI&BUS_26&DEV_0&FUNC_0")"),
+                  R"({"ST":6,"DA":"TYPE_PCI&BUS_26&DEV_0&FUNC_0"})")
+            << std::hex << oc;
+    }
+}
+
+TEST_F(TreeRowsTest, RawTreeIsCleanedOfControlCharacters) {
+    // A tab, a bell and an escape in texts and an attribute; UTF-8 stays.
+    ServeTree(
+        "<amEMTL Version=\"2\"><System><Adapter Name=\"A\x07\"><Name>caf\xc3\xa9\tX\x1b</Name>"
+        "<Vendor>M\xc3\xbcller</Vendor><Status>OK</Status></Adapter></System></amEMTL>");
+    uint32_t st = 99;
+    EXPECT_EQ(Text(0xF020, 0, 1, st),
+              "<amEMTL Version=\"2\"><System><Adapter Name=\"A?\"><Name>caf\xc3\xa9?X?</Name>"
+              "<Vendor>M\xc3\xbcller</Vendor><Status>OK</Status></Adapter></System></amEMTL>");
+    EXPECT_EQ(st, 0u);
+    // Fetched anew each time: no snapshot is made or read.
+    EXPECT_EQ(m_pModule->SnapshotCount(), 0u);
+    ServeTree("<amEMTL><Name>\x07</Name>");
+    EXPECT_EQ(Text(0xF020, 0, 1, st), "<amEMTL><Name>\x07</Name>");
+    EXPECT_EQ(st, 0u);
+    EXPECT_EQ(TreeRequests(), 2u);
+    m_pSim.reset();
+    EXPECT_EQ(Answer(0xF020), R"({"ST":6})");
+}
+
+TEST_F(TreeRowsTest, RedfishBodyGoesOutWithoutBackslashesAndTheReplyComesBack) {
+    ScopedTraceLevel trace(3);
+    SetFaults(R"({"redfishOp":{"body":"{\"@odata.id\":\"/redfish/v1/Systems\"}"}})");
+    const std::string body = R"({\"Method\":\"GET\",\"Path\":\"C:\\dir\"})";
+    uint32_t st = 99;
+    EXPECT_EQ(Text(0x21D1, 0, 1, st, Quoted(body)), R"({"@odata.id":"/redfish/v1/Systems"})");
+    EXPECT_EQ(st, 0u);
+    std::vector<std::string> bodies = RedfishBodies();
+    ASSERT_EQ(bodies.size(), 1u);
+    EXPECT_EQ(bodies[0], R"({"Method":"GET","Path":"C:dir"})");
+    std::string t = Debug.Take();
+    EXPECT_NE(t.find("\nTLRAIDRedfishClient    : RaidRedfishRequest"), std::string::npos);
+    EXPECT_NE(t.find("\nTLRAIDRestClient    : RaidRedfishRequest [" + body + "]"),
+              std::string::npos);
+
+    // A missing body answers 19 and sends nothing.
+    EXPECT_EQ(Answer(0x21D1), R"({"ST":19})");
+    EXPECT_EQ(RedfishBodies().size(), 1u);
+    // Whatever the daemon does, the client gets its reply: here an empty one.
+    m_pSim.reset();
+    EXPECT_EQ(Answer(0x21D1, 0, 0, 1, R"("{}")"), R"({"ST":0,"DA":""})");
+}
+
+TEST_F(TreeRowsTest, TestAttributeBehindItsGate) {
+    ScopedTraceLevel trace(3);
+    // Before the switch allowed test requests.
+    EXPECT_EQ(Answer(0xF021, 38, 0, 1, "5"), R"({"ST":6,"DA":5})");
+    EXPECT_EQ(Answer(0xF021, 40), R"({"ST":6})");
+
+    m_Switch.Answer(oc::kDisksCustomerReplaceable, R"({"ST":0,"DA":1})");
+    MakeModule(true).OnSwitchStarted();
+    ASSERT_TRUE(m_pModule->AreTestRequestsEnabled());
+    Debug.Take();
+    uint32_t value = 99;
+    EXPECT_EQ(Answer(0xF021, 38, 0, 1, "513"), R"({"ST":0,"DA":513})");
+    EXPECT_EQ(m_pModule->GetTestAttribute(value), "PD0Status");
+    EXPECT_EQ(value, 1u);
+    EXPECT_EQ(Answer(0xF021, 39, 0, 1, "7"), R"({"ST":0,"DA":7})");
+    EXPECT_EQ(m_pModule->GetTestAttribute(value), "BBU0Status");
+    EXPECT_EQ(value, 7u);
+    EXPECT_EQ(Answer(0xF021, 39), R"({"ST":0})");
+    EXPECT_EQ(m_pModule->GetTestAttribute(value), "");
+    EXPECT_EQ(value, 0u);
+    // Another selector leaves the preset status and the attribute as it was.
+    EXPECT_EQ(Answer(0xF021, 40, 0, 1, "3"), R"({"ST":19,"DA":3})");
+    EXPECT_EQ(m_pModule->GetTestAttribute(value), "");
+    std::string t = Debug.Take();
+    for (const char* line : {
+             "\nEM_TLRaid           : ModuleRequest - physical disk testAttribute set to 1",
+             "\nEM_TLRaid           : ModuleRequest - BBU testAttribute set to 7",
+             "\nEM_TLRaid           : ModuleRequest - BBU testAttribute disabled",
+         }) {
+        EXPECT_NE(t.find(line), std::string::npos) << line;
+    }
+    // The attribute changes no answer.
+    uint32_t st = 99;
+    EXPECT_EQ(Text(0x21D0, 1, 3, st), ExportedSample("batteries.json"));
+    EXPECT_EQ(st, 0u);
+}
+
+}  // namespace
