@@ -19,6 +19,10 @@ TEST(CabinetConcurrency, ReadersSeeTheOldOrTheNewState) {
     FanRecord& fan = map.m_Fans.at("800-0");
     TempSensorRecord& sensor = map.m_TempSensors.at("800-0");
     PowerSupplyRecord& supply = map.m_PowerSupplies.at("800-1");
+    // The readers may run before the writer's first store: start from the writer's even state.
+    fan.Status = 1;
+    sensor.Temperature = 30;
+    supply.Status = 1;
     std::atomic<bool> stop{false};
     std::atomic<int> badAnswers{0};
 
