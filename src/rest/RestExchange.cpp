@@ -32,11 +32,11 @@ size_t TLRAIDRestClient::CurlWriteCallback(char* data, size_t size, size_t count
     return bytes;
 }
 
-curl_slist* TLRAIDRestClient::AddAuthBearerHeader() {
+curl_slist* TLRAIDRestClient::AddAuthBearerHeader(const std::string& accessToken) {
     TLR_TRACE(5, "\nTLRAIDRestClient::AddAuthBearerHeader");
     curl_slist* headers = curl_slist_append(nullptr, "Content-Type: application/json");
     // With an empty access token the line still goes out, as "Authorization: Bearer ".
-    const std::string bearer = "Authorization: Bearer " + m_sAccessToken;
+    const std::string bearer = "Authorization: Bearer " + accessToken;
     curl_slist* withBearer = curl_slist_append(headers, bearer.c_str());
     if (!withBearer) {
         curl_slist_free_all(headers);
@@ -45,19 +45,19 @@ curl_slist* TLRAIDRestClient::AddAuthBearerHeader() {
     return withBearer;
 }
 
-void TLRAIDRestClient::SetAuthToken(const std::string& url) {
+std::string TLRAIDRestClient::SetAuthToken(const std::string& url) {
     std::string response;
     CurlEasyPtr curl(curl_easy_init());
     if (curl) {
         SetNoCertificateChecks(curl.get());
         curl_easy_setopt(curl.get(), CURLOPT_URL, url.c_str());
 
-        if (IsJwtValid() == 0)
-            m_sToken = CreateJwt();
-        TLR_TRACE(5, "\nTLRAIDRestClient    : TOKEN [%s]", m_sToken.c_str());
+        // This exchange's own copy: a renewal by another thread doesn't change it.
+        const std::string token = JwtForLogin();
+        TLR_TRACE(5, "\nTLRAIDRestClient    : TOKEN [%s]", token.c_str());
 
         // A form without URL-encoding; libcurl's own headers, no time-out.
-        const std::string postData = "jwt=" + m_sToken + "&client_id=" + m_sClientId;
+        const std::string postData = "jwt=" + token + "&client_id=" + m_sClientId;
         TLR_TRACE(3, "\nTLRAIDRestClient::SetAuthToken auth_addr_w [%s]", url.c_str());
         TLR_TRACE(3, "\nTLRAIDRestClient::SetAuthToken post_data_w [%s]", postData.c_str());
         curl_easy_setopt(curl.get(), CURLOPT_POSTFIELDS, postData.c_str());
@@ -73,10 +73,11 @@ void TLRAIDRestClient::SetAuthToken(const std::string& url) {
                       static_cast<int>(rc), curl_easy_strerror(rc));
         }
     }
-    m_sAccessToken = GetAccessToken(response);
+    return GetAccessToken(response);
 }
 
-int32_t TLRAIDRestClient::SendGet(const std::string& url, std::string& reply, uint32_t timeoutSec) {
+int32_t TLRAIDRestClient::SendGet(const std::string& url, const std::string& accessToken,
+                                  std::string& reply, uint32_t timeoutSec) {
     TLR_TRACE(5, "\nTLRAIDRestClient::SendGet");
     CurlEasyPtr curl(curl_easy_init());
     if (!curl) {
@@ -84,7 +85,7 @@ int32_t TLRAIDRestClient::SendGet(const std::string& url, std::string& reply, ui
         TLR_TRACE(2, "\nTLRAIDRestClient::SendGet: curl initialization failure");
         return CURLE_OK;
     }
-    CurlSlistPtr headers(AddAuthBearerHeader());
+    CurlSlistPtr headers(AddAuthBearerHeader(accessToken));
     SetUpExchange(curl.get(), url, headers.get(), reply, timeoutSec);
 
     TLR_TRACE(5, "\nTLRAIDRestClient::SendGet: Sending request...");
@@ -99,8 +100,9 @@ int32_t TLRAIDRestClient::SendGet(const std::string& url, std::string& reply, ui
     return static_cast<int32_t>(rc);
 }
 
-int32_t TLRAIDRestClient::SendPost(const std::string& url, const std::string& body,
-                                   std::string& reply, uint32_t timeoutSec) {
+int32_t TLRAIDRestClient::SendPost(const std::string& url, const std::string& accessToken,
+                                   const std::string& body, std::string& reply,
+                                   uint32_t timeoutSec) {
     TLR_TRACE(5, "\nTLRAIDRestClient    : CrudMethod::POST");
     std::string response;
     CurlEasyPtr curl(curl_easy_init());
@@ -113,7 +115,7 @@ int32_t TLRAIDRestClient::SendPost(const std::string& url, const std::string& bo
     std::string postBody = body;
     postBody.erase(std::remove(postBody.begin(), postBody.end(), '\\'), postBody.end());
 
-    CurlSlistPtr headers(AddAuthBearerHeader());
+    CurlSlistPtr headers(AddAuthBearerHeader(accessToken));
     SetUpExchange(curl.get(), url, headers.get(), response, timeoutSec);
     curl_easy_setopt(curl.get(), CURLOPT_POSTFIELDS, postBody.c_str());
 

@@ -26,7 +26,9 @@ namespace {
 constexpr size_t kLsofLineSize = 256;
 
 // Every public exchange ends with a global cleanup, without a matching init at its start:
-// libcurl counts the calls, and the next easy handle brings the library up again.
+// libcurl counts the calls, and the next easy handle brings the library up again. The
+// platform's libcurl does both under its own lock, and its TLS back end has nothing to tear
+// down, so one exchange's cleanup leaves another thread's transfer running.
 struct CurlGlobalCleanupAtEnd {
     ~CurlGlobalCleanupAtEnd() { curl_global_cleanup(); }
 };
@@ -50,11 +52,11 @@ TLRAIDRestClient::~TLRAIDRestClient() {
     curl_global_cleanup();
 }
 
-bool TLRAIDRestClient::FindDaemonAndLogIn(std::string& host) {
+bool TLRAIDRestClient::FindDaemonAndLogIn(std::string& host, std::string& accessToken) {
     if (!GetMainServerIpAddress(host) || host.empty())
         return false;
     // A failed exchange leaves an empty access token; the request goes out all the same.
-    SetAuthToken(tlr_rest::kScheme + host + m_sAuthPath);
+    accessToken = SetAuthToken(tlr_rest::kScheme + host + m_sAuthPath);
     return true;
 }
 
@@ -63,12 +65,13 @@ bool TLRAIDRestClient::GetXmlSdt(std::string& xml, uint32_t timeoutSec) {
     TLR_TRACE(5, "\nTLRAIDRestClient::GetXmlSdt");
 
     std::string host;
-    if (!FindDaemonAndLogIn(host))
+    std::string accessToken;
+    if (!FindDaemonAndLogIn(host, accessToken))
         return false;
     const std::string sdtUrl = tlr_rest::kScheme + host + m_sSdtPath;
 
     std::string reply;
-    if (SendGet(sdtUrl, reply, timeoutSec) != 0) {
+    if (SendGet(sdtUrl, accessToken, reply, timeoutSec) != 0) {
         TLR_TRACE(2, "\nTLRAIDRestClient::GetXmlSdt: REST request failed");
         return false;
     }
@@ -101,11 +104,12 @@ bool TLRAIDRestClient::SendRedfishRequest(const std::string& body, std::string& 
     TLR_TRACE(5, "\nTLRAIDRestClient::GetXmlSdt");
 
     std::string host;
-    if (!FindDaemonAndLogIn(host))
+    std::string accessToken;
+    if (!FindDaemonAndLogIn(host, accessToken))
         return false;
     const std::string redfishUrl = tlr_rest::kScheme + host + m_sRedfishPath;
     TLR_TRACE(5, "\nTLRAIDRestClient::SendRedfishRequest: sending Redfish request");
-    if (SendPost(redfishUrl, body, reply, timeoutSec) != 0) {
+    if (SendPost(redfishUrl, accessToken, body, reply, timeoutSec) != 0) {
         TLR_TRACE(2, "\nTLRAIDRestClient::SendRedfishRequest: REST request failed");
         return false;
     }

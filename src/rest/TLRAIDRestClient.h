@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <mutex>
 #include <string>
 
 #include "rest/RestConstants.h"
@@ -20,7 +21,10 @@ struct TLRAIDRestClientSettings {
 
 // The module's road to the RAID manager's REST daemon. Each public operation is one whole
 // exchange: find the daemon through lsof, trade a JWT for an access token, send one request.
-// Only the tokens outlive a call.
+//
+// Several threads may use one client at once. An exchange keeps its JWT copy, access token,
+// handles and buffers on its own stack; the held JWT is the only state that outlives a call,
+// and it is read and renewed under m_JwtLock, which is never held across the network.
 class TLRAIDRestClient {
   public:
     TLRAIDRestClient();
@@ -36,24 +40,31 @@ class TLRAIDRestClient {
     bool SendRedfishRequest(const std::string& body, std::string& reply, uint32_t timeoutSec);
 
   protected:
-    // Finds the daemon and trades the JWT for an access token; false when no host was found.
-    bool FindDaemonAndLogIn(std::string& host);
+    // Finds the daemon and trades the JWT for an access token, which goes to accessToken
+    // (empty when the login failed); false when no host was found.
+    bool FindDaemonAndLogIn(std::string& host, std::string& accessToken);
     // True when the lsof pipeline named a non-empty host.
     bool GetMainServerIpAddress(std::string& host);
-    // Trades the JWT for an access token at url; the token, or empty, goes to m_sAccessToken.
-    void SetAuthToken(const std::string& url);
+    // Trades the JWT for an access token at url: the token, or empty.
+    std::string SetAuthToken(const std::string& url);
     // The member "access_token" of a reply, or the empty string.
     std::string GetAccessToken(const std::string& reply);
+    // The JWT for one login: the held one while it has not expired, else a new one that
+    // replaces it. Checked and renewed in one step, so that one expiry makes one new token.
+    std::string JwtForLogin();
     // Makes and signs a new JWT, stored in m_sJwt.
     std::string CreateJwt();
     // 1 while m_sJwt holds a token that has not expired, else 0.
     unsigned IsJwtValid();
+    // The held JWT as it stands.
+    std::string HeldJwt();
     // A new header list with the JSON content type and the bearer token; the caller frees it.
-    curl_slist* AddAuthBearerHeader();
+    curl_slist* AddAuthBearerHeader(const std::string& accessToken);
     // One GET or POST with the bearer header; libcurl's code.
-    int32_t SendGet(const std::string& url, std::string& reply, uint32_t timeoutSec);
-    int32_t SendPost(const std::string& url, const std::string& body, std::string& reply,
-                     uint32_t timeoutSec);
+    int32_t SendGet(const std::string& url, const std::string& accessToken, std::string& reply,
+                    uint32_t timeoutSec);
+    int32_t SendPost(const std::string& url, const std::string& accessToken,
+                     const std::string& body, std::string& reply, uint32_t timeoutSec);
     // What a GET and a POST set alike on an easy handle (CURL*): the URL, no certificate
     // checks, the headers, the reply's buffer, and the time-out unless it is 0.
     static void SetUpExchange(void* curl, const std::string& url, curl_slist* headers,
@@ -61,15 +72,20 @@ class TLRAIDRestClient {
     // Appends what libcurl received to the string behind userp.
     static size_t CurlWriteCallback(char* data, size_t size, size_t count, void* userp);
 
-    std::string m_sJwt;
-    int64_t m_nTokenLifetime;
-    std::string m_sClientId;
-    std::string m_sAuthPath;
-    std::string m_sSdtPath;
-    std::string m_sRedfishPath;
-    std::string m_sToken;
-    std::string m_sAccessToken;
+    // A signed token made now with this client's lifetime.
+    std::string MakeJwt() const;
+    // 1 while token has not expired, else 0; throws for a token that isn't ours.
+    unsigned JwtHolds(const std::string& token) const;
 
-    std::string m_sLsofCommand;
-    tlr_rest::NowFunction m_pNow;
+    // Guards m_sJwt, the only field that changes after construction.
+    std::mutex m_JwtLock;
+    std::string m_sJwt;
+    // Set once by the constructor and only read afterwards.
+    const int64_t m_nTokenLifetime;
+    const std::string m_sClientId;
+    const std::string m_sAuthPath;
+    const std::string m_sSdtPath;
+    const std::string m_sRedfishPath;
+    const std::string m_sLsofCommand;
+    const tlr_rest::NowFunction m_pNow;
 };

@@ -6,9 +6,11 @@
 #include <rapidjson/document.h>
 
 #include <algorithm>
+#include <atomic>
 #include <deque>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <typeinfo>
 #include <vector>
 
@@ -143,6 +145,45 @@ TEST_F(RestClientTest, JwtHoldsUntilTheNanosecondOfExp) {
     EXPECT_EQ(client.IsJwtValid(), 0u);
 }
 
+// A clock that threads may read while a test moves it.
+std::atomic<int64_t> g_SharedNow{0};
+
+int64_t SharedNow() {
+    return g_SharedNow.load();
+}
+
+TEST_F(RestClientTest, ThreadsLoggingInTogetherGetTheHeldJwt) {
+    TLRAIDRestClientSettings settings;
+    settings.nTokenLifetime = 300;
+    settings.pNow = SharedNow;
+    CTestRestClient client(settings);
+    // The first logins find no token, the later ones a held or an expired one: every thread
+    // gets the token that the client holds afterwards.
+    std::vector<std::string> previous;
+    for (const int64_t now : {1000 * kSecond, 1300 * kSecond, 1300 * kSecond + 1}) {
+        SCOPED_TRACE(now);
+        g_SharedNow = now;
+        constexpr int kThreads = 8;
+        std::vector<std::vector<std::string>> seen(kThreads);
+        std::vector<std::thread> threads;
+        for (int t = 0; t < kThreads; ++t) {
+            threads.emplace_back([&client, &seen, t] {
+                for (int i = 0; i < 20; ++i)
+                    seen[t].push_back(client.JwtForLogin());
+            });
+        }
+        for (std::thread& thread : threads)
+            thread.join();
+        const std::string held = client.HeldJwt();
+        for (const std::vector<std::string>& tokens : seen)
+            EXPECT_EQ(std::count(tokens.begin(), tokens.end(), held), 20);
+        previous.push_back(held);
+    }
+    // Still valid at the nanosecond of exp, renewed just after it.
+    EXPECT_EQ(previous[1], previous[0]);
+    EXPECT_NE(previous[2], previous[1]);
+}
+
 TEST_F(RestClientTest, JwtClaimsAreIssuerIssuedAtAndExpiry) {
     struct Row {
         int64_t firstReading;
@@ -209,9 +250,8 @@ TEST_F(RestClientTest, HeaderListHasContentTypeThenBearer) {
     for (const std::string token : {"", "0123abcd"}) {
         SCOPED_TRACE(token);
         CTestRestClient client;
-        client.m_sAccessToken = token;
         std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)> list(
-            client.AddAuthBearerHeader(), curl_slist_free_all);
+            client.AddAuthBearerHeader(token), curl_slist_free_all);
         std::vector<std::string> lines;
         for (const curl_slist* item = list.get(); item; item = item->next)
             lines.push_back(item->data);

@@ -4,14 +4,13 @@
 
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
-#include <stdlib.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "RunCommand.h"
+#include "SessionKit.h"
 #include "rest/RestConstants.h"
 
 namespace {
@@ -24,35 +23,6 @@ constexpr const char* kRedfishPath = tlr_rest::kRedfishEndpoint;
 constexpr char kTree[] =
     "<?xml version=\"1.0\"?>\n<amEMTL Version=\"2\"><System><Adapter Nr=\"0\" "
     "Name=\"Ctrl \\ \xC3\xA9\"><Status>Operational</Status></Adapter></System></amEMTL>\n";
-
-struct Session {
-    int nStatus = -1;
-    std::string sOut;
-    std::vector<rapidjson::Document> steps;
-    std::vector<rapidjson::Document> requests;
-};
-
-std::vector<rapidjson::Document> ParseLines(const std::string& text) {
-    std::vector<rapidjson::Document> lines;
-    size_t start = 0;
-    while (start < text.size()) {
-        size_t end = text.find('\n', start);
-        if (end == std::string::npos)
-            end = text.size();
-        rapidjson::Document doc;
-        doc.Parse(text.c_str() + start, end - start);
-        if (!doc.HasParseError())
-            lines.push_back(std::move(doc));
-        start = end + 1;
-    }
-    return lines;
-}
-
-std::string Str(const rapidjson::Value& object, const char* key) {
-    if (!object.IsObject() || !object.HasMember(key) || !object[key].IsString())
-        return "<none>";
-    return std::string(object[key].GetString(), object[key].GetStringLength());
-}
 
 bool HasHeader(const rapidjson::Value& request, const std::string& line) {
     for (const auto& header : request["headers"].GetArray()) {
@@ -77,72 +47,9 @@ bool Traced(const rapidjson::Value& step, const std::string& text) {
     return false;
 }
 
-// The access token that a login reply carried.
-std::string IssuedToken(const rapidjson::Value& request) {
-    rapidjson::Document reply;
-    reply.Parse(Str(request, "reply").c_str());
-    return Str(reply, "access_token");
-}
-
-std::string FormJwt(const rapidjson::Value& request) {
-    const std::string body = Str(request, "body");
-    const size_t start = body.find("jwt=") + 4;
-    return body.substr(start, body.find('&') - start);
-}
-
-std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-void WriteFile(const std::string& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
-
-class RestSessionTest : public ::testing::Test {
+class RestSessionTest : public RestSandboxTest {
   protected:
-    void SetUp() override {
-        char dir[] = "/tmp/tlr-rest-session.XXXXXX";
-        ASSERT_NE(mkdtemp(dir), nullptr);
-        m_sDir = dir;
-        m_sTree = m_sDir + "/tree.xml";
-        m_sControl = m_sDir + "/control.json";
-        m_sLog = m_sDir + "/requests.jsonl";
-        WriteFile(m_sTree, kTree);
-    }
-
-    void TearDown() override {
-        if (!m_sDir.empty())
-            std::filesystem::remove_all(m_sDir);
-    }
-
-    static std::string Sandbox() { return std::string(TLR_BUILD_DIR) + "/sandbox"; }
-
-    // Runs the driver's steps in the sandbox, with the simulator unless withSim is false.
-    Session Run(const std::vector<std::string>& steps, const std::string& sandboxOptions = "",
-                const std::string& simOptions = "", const std::string& driverOptions = "",
-                bool withSim = true) {
-        std::string command = Sandbox() + " --trace-level 6 " + sandboxOptions;
-        if (withSim) {
-            command += " --sim " + ShellQuote("--tree " + m_sTree + " --control " + m_sControl +
-                                              " --log " + m_sLog + " " + simOptions);
-        }
-        command += " -- " + std::string(TLR_BUILD_DIR) + "/tests/tlr-rest-driver " + driverOptions;
-        for (const std::string& step : steps)
-            command += " " + ShellQuote(step);
-        const CommandResult result = RunCommand(command);
-        Session session;
-        session.nStatus = result.nStatus;
-        session.sOut = result.sOut;
-        session.steps = ParseLines(result.sOut);
-        session.requests = ParseLines(ReadFile(m_sLog));
-        return session;
-    }
-
-    std::string m_sDir;
-    std::string m_sTree;
-    std::string m_sControl;
-    std::string m_sLog;
+    RestSessionTest() : RestSandboxTest(kTree) {}
 };
 
 TEST_F(RestSessionTest, LoginPrecedesEveryRequest) {

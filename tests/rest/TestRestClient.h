@@ -2,7 +2,7 @@
 
 #include "rest/TLRAIDRestClient.h"
 
-// The client with its steps and tokens opened up for tests.
+// The client with its steps and its held JWT opened up for tests.
 class CTestRestClient : public TLRAIDRestClient {
   public:
     using TLRAIDRestClient::TLRAIDRestClient;
@@ -11,12 +11,12 @@ class CTestRestClient : public TLRAIDRestClient {
     using TLRAIDRestClient::CreateJwt;
     using TLRAIDRestClient::GetAccessToken;
     using TLRAIDRestClient::GetMainServerIpAddress;
+    using TLRAIDRestClient::HeldJwt;
     using TLRAIDRestClient::IsJwtValid;
+    using TLRAIDRestClient::JwtForLogin;
     using TLRAIDRestClient::SendGet;
     using TLRAIDRestClient::SendPost;
     using TLRAIDRestClient::SetAuthToken;
 
-    using TLRAIDRestClient::m_sAccessToken;
     using TLRAIDRestClient::m_sJwt;
-    using TLRAIDRestClient::m_sToken;
 };

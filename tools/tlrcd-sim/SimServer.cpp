@@ -21,6 +21,15 @@ constexpr int64_t kScenarioTickMs = 20;  // how often closed steps are looked fo
 constexpr int kRebindTries = 50;
 constexpr int64_t kRebindWaitMs = 100;
 
+// When the request on this connection's thread arrived: set before routing, read by the log.
+thread_local int64_t t_nReceivedUs = 0;
+
+int64_t SteadyMicros() {
+    return std::chrono::duration_cast<std::chrono::microseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
 // httplib adds the peer's address to the headers; they are not the client's.
 bool IsPseudoHeader(const std::string& name) {
     return name == "REMOTE_ADDR" || name == "REMOTE_PORT" || name == "LOCAL_ADDR" ||
@@ -126,6 +135,10 @@ bool CSimServer::Open(const CTlsIdentity& identity, std::string& error) {
     });
     m_pServer->Post(kRedfishPath, [this](const httplib::Request& req, httplib::Response& res) {
         HandleRedfish(req, res);
+    });
+    m_pServer->set_pre_routing_handler([](const httplib::Request&, httplib::Response&) {
+        t_nReceivedUs = SteadyMicros();
+        return httplib::Server::HandlerResponse::Unhandled;
     });
     m_pServer->set_exception_handler(
         [](const httplib::Request&, httplib::Response& res, std::exception_ptr failure) {
@@ -402,6 +415,9 @@ void CSimServer::LogRequest(const httplib::Request& req, const httplib::Response
                                                      : nlohmann::json(nullptr);
     line["status"] = res.status;
     line["reply"] = res.body;
+    // On one monotonic clock, so that a test sees which requests overlapped.
+    line["received_us"] = t_nReceivedUs;
+    line["answered_us"] = SteadyMicros();
     // Bytes that are not UTF-8 are replaced rather than refused.
     const std::string text =
         line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
