@@ -17,6 +17,8 @@
 #include "Inventory.h"
 #include "LineProtocol.h"
 #include "ModuleLibrary.h"
+#include "Watch.h"
+#include "raid/RaidSettings.h"
 
 namespace {
 
@@ -28,6 +30,8 @@ const char kUsage[] =
     "[SCRIPT]\n"
     "       emhost inventory [--module PATH] [--switch-type N] [--answer OC=JSON]... "
     "[--trace FILE]\n"
+    "       emhost watch [--duration SECONDS] [--module PATH] [--switch-type N] "
+    "[--answer OC=JSON]... [--trace FILE]\n"
     "\n"
     "Loads an extension module and drives it with JSON lines, one per line, from SCRIPT or\n"
     "standard input. Each line gets one JSON result line on standard output.\n"
@@ -48,10 +52,20 @@ const char kUsage[] =
     "\n"
     "inventory: creates and starts the module, prints what a client of the switch sees\n"
     "(adapters, drives, logical drives, batteries, ports, enclosures, overall status) as\n"
-    "tables, then stops and deletes the module.\n";
+    "tables, then stops and deletes the module.\n"
+    "\n"
+    "watch: creates and starts the module, then at every polling cycle (15 s) renews the\n"
+    "snapshot of a client and prints, with the time, what changed since the last look: drive\n"
+    "and battery statuses, logical drive states and progress, overall statuses. Prints every\n"
+    "event record that the module sends and every drop of the snapshots by the polling\n"
+    "thread (from the trace, at trace level 3 or more, and from a second client that never\n"
+    "renews). Ends on Ctrl-C or after --duration SECONDS, then stops and deletes the module.\n"
+    "Without --trace the trace is not written.\n";
 
 struct Options {
     bool inventory = false;
+    bool watch = false;
+    uint32_t durationSec = 0;
     std::string module;
     uint32_t switchType = 1;
     std::vector<std::pair<uint32_t, std::string>> answers;
@@ -93,6 +107,9 @@ Options ParseOptions(int argc, char** argv) {
     if (argc > 1 && std::string(argv[1]) == "inventory") {
         o.inventory = true;
         first = 2;
+    } else if (argc > 1 && std::string(argv[1]) == "watch") {
+        o.watch = true;
+        first = 2;
     }
     for (int i = first; i < argc; ++i) {
         std::string arg = argv[i];
@@ -118,12 +135,16 @@ Options ParseOptions(int argc, char** argv) {
                 UsageError("--answer takes OC=JSON, OC a number such as 8464 or 0x2110");
             }
             o.answers.emplace_back(oc, answer.substr(eq + 1));
+        } else if (arg == "--duration" && o.watch) {
+            if (!ParseU32(value("--duration"), o.durationSec) || o.durationSec == 0) {
+                UsageError("--duration takes a number of seconds from 1 to 4294967295");
+            }
         } else if (arg == "--trace") {
             o.trace = value("--trace");
         } else if (arg.size() > 1 && arg[0] == '-') {
             UsageError("unknown option " + arg);
-        } else if (o.inventory) {
-            UsageError("inventory takes no SCRIPT");
+        } else if (o.inventory || o.watch) {
+            UsageError(std::string(o.inventory ? "inventory" : "watch") + " takes no SCRIPT");
         } else if (o.script.empty()) {
             o.script = arg;
         } else {
@@ -155,6 +176,23 @@ int RunInventory(ModuleLibrary& library, ISwitch& hostSwitch) {
     return status;
 }
 
+// Creates the module, watches it until the end and deletes it again.
+int RunWatchSession(ModuleLibrary& library, HostSwitch& hostSwitch, uint32_t durationSec) {
+    CIExtensionModule* module = nullptr;
+    if (!library.Create(&module, 0) || !module) {
+        fprintf(stderr, "emhost: the module could not be created\n");
+        return 1;
+    }
+    WatchOptions watch;
+    watch.durationSec = durationSec;
+    // A look at every cycle of the module's polling thread.
+    watch.lookIntervalMs = RaidTimings().nPollIntervalMs;
+    int status = RunWatch(*module, hostSwitch, Debug, watch);
+    library.Delete();
+    printf("Module deleted.\n");
+    return status;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -174,7 +212,9 @@ int main(int argc, char** argv) {
         }
     }
 
-    static HostOutput output(options.inventory ? nullptr : stdout);
+    if (options.watch && options.trace.empty())
+        Debug.Discard();
+    static HostOutput output(options.inventory || options.watch ? nullptr : stdout);
     static HostSwitch hostSwitch(output, options.switchType);
     for (const auto& [oc, json] : options.answers) {
         std::string error;
@@ -190,6 +230,8 @@ int main(int argc, char** argv) {
 
     if (options.inventory)
         return RunInventory(library, hostSwitch);
+    if (options.watch)
+        return RunWatchSession(library, hostSwitch, options.durationSec);
 
     LineProtocol protocol(output, hostSwitch, library);
     std::istream& in = options.script.empty() ? std::cin : scriptFile;
