@@ -31,6 +31,9 @@ constexpr uint32_t kStillClient = 2;
 constexpr char kMdcChanged[] = "[MDC] Status changed! ";
 constexpr char kCycleFault[] = "Exception in pool loop!";
 constexpr auto kTick = std::chrono::milliseconds(100);
+// The second look comes this much later than a cycle after the first: the polling thread's
+// cycle, which began with the module, has then run, and its drops show in the same look.
+constexpr auto kLookLag = std::chrono::seconds(3);
 
 volatile sig_atomic_t g_bInterrupted = 0;
 
@@ -91,9 +94,9 @@ bool Look(ModuleClient& c, View& view) {
                              c.Show(oc::kAdapterStatus, 0, a, words::AdapterStatus)};
         for (uint32_t d = 0, n = c.Count(oc::kDriveCount, a); d < n; ++d) {
             view[Key("a", a, "1d", d)] = {"adapter " + std::to_string(a) + ", drive " +
-                                             std::to_string(d) +
-                                             Quoted(c.Text(oc::kDriveName, a, d)) + ": status",
-                                         c.Show(oc::kDriveStatus, a, d, words::DriveStatus)};
+                                              std::to_string(d) +
+                                              Quoted(c.Text(oc::kDriveName, a, d)) + ": status",
+                                          c.Show(oc::kDriveStatus, a, d, words::DriveStatus)};
         }
         for (uint32_t l = 0, n = c.Count(oc::kLogicalDriveCount, a); l < n; ++l) {
             const std::string drive = "logical drive " + std::to_string(l) +
@@ -104,13 +107,13 @@ bool Look(ModuleClient& c, View& view) {
                 c.Show(oc::kLogicalDriveStatus, a, l, words::LogicalDriveStatus)};
             const Reply mdc = c.Ask(oc::kLogicalDriveProperty, a, l, "\"MDCProgress\"");
             view[Key("a", a, "2l", l, "2p")] = {drive + ": rebuild or check progress",
-                                              mdc.Ok() ? mdc.text + " %" : "none"};
+                                                mdc.Ok() ? mdc.text + " %" : "none"};
         }
         for (uint32_t b = 0, n = c.Count(oc::kBatteryCount, a); b < n; ++b) {
             view[Key("a", a, "3b", b)] = {"adapter " + std::to_string(a) + ", battery " +
-                                             std::to_string(b) +
-                                             Quoted(c.Text(oc::kBatteryName, a, b)) + ": status",
-                                         c.Show(oc::kBatteryStatus, a, b, words::BatteryStatus)};
+                                              std::to_string(b) +
+                                              Quoted(c.Text(oc::kBatteryName, a, b)) + ": status",
+                                          c.Show(oc::kBatteryStatus, a, b, words::BatteryStatus)};
         }
     }
     const std::pair<uint32_t, const char*> overall[] = {
@@ -216,8 +219,7 @@ int RunWatch(CIExtensionModule& module, HostSwitch& hostSwitch, HostTraceServer&
     View lastWatching, lastStill;
     bool first = true;
     bool lastRenewed = true;
-    for (auto next = SteadyClock::now(); WaitUntil(next, deadline);
-         next += std::chrono::milliseconds(options.lookIntervalMs)) {
+    for (auto next = SteadyClock::now(); WaitUntil(next, deadline);) {
         View seenStill, seen;
         const bool stillHasTree = Look(still, seenStill);
         const Reply renewal = watching.Ask(oc::kRenewSnapshot);
@@ -251,6 +253,10 @@ int RunWatch(CIExtensionModule& module, HostSwitch& hostSwitch, HostTraceServer&
             if (lines == 0)
                 out.Line(stillHasTree || hasTree ? "no change" : "no change, no storage tree");
         }
+        // As the polling thread does, the next look comes a cycle after this one's work.
+        next = SteadyClock::now() + std::chrono::milliseconds(options.lookIntervalMs);
+        if (first)
+            next += kLookLag;
         first = false;
         lastRenewed = renewal.Ok();
         if (hasTree || lastWatching.empty())
