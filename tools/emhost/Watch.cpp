@@ -219,6 +219,7 @@ int RunWatch(CIExtensionModule& module, HostSwitch& hostSwitch, HostTraceServer&
     View lastWatching, lastStill;
     bool first = true;
     bool lastRenewed = true;
+    bool stillHadTree = false;
     for (auto next = SteadyClock::now(); WaitUntil(next, deadline);) {
         View seenStill, seen;
         const bool stillHasTree = Look(still, seenStill);
@@ -242,8 +243,14 @@ int RunWatch(CIExtensionModule& module, HostSwitch& hostSwitch, HostTraceServer&
                                             ": the client keeps the tree it had");
                 ++lines;
             }
-            lines += PrintChanges(out, lastWatching, seen, "");
-            if (seenStill != lastStill) {
+            if (hasTree)
+                lines += PrintChanges(out, lastWatching, seen, "");
+            if (!stillHasTree && stillHadTree) {
+                out.Line("client " + std::to_string(kStillClient) +
+                         ", which never renews, has no tree now: the module dropped the "
+                         "snapshots and could not fetch a new one");
+                ++lines;
+            } else if (stillHasTree && (!stillHadTree || seenStill != lastStill)) {
                 out.Line("client " + std::to_string(kStillClient) +
                          ", which never renews, sees a new tree: the module dropped the "
                          "snapshots. It sees:");
@@ -259,9 +266,12 @@ int RunWatch(CIExtensionModule& module, HostSwitch& hostSwitch, HostTraceServer&
             next += kLookLag;
         first = false;
         lastRenewed = renewal.Ok();
-        if (hasTree || lastWatching.empty())
+        // A look without a tree keeps the last view, so that the next tree is told against it.
+        if (hasTree)
             lastWatching = seen;
-        lastStill = seenStill;
+        if (stillHasTree)
+            lastStill = seenStill;
+        stillHadTree = stillHasTree;
     }
 
     printf("\n%s. Stopping the module (a stop takes 10 s by design)...\n",
