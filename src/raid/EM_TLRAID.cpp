@@ -8,7 +8,8 @@ constexpr uint32_t kReservedValue = 600000;
 
 EM_TLRAID::EM_TLRAID() : EM_TLRAID(RaidTimings(), TLRAIDRestClientSettings()) {}
 
-EM_TLRAID::EM_TLRAID(const RaidTimings& timings, const TLRAIDRestClientSettings& rest)
+EM_TLRAID::EM_TLRAID(const RaidTimings& timings, const TLRAIDRestClientSettings& rest,
+                     const PollingClock& clock)
     : m_RestClient(rest),
       m_evRetryWait(false, true),
       m_evSwitchStarted(false, true),
@@ -17,7 +18,8 @@ EM_TLRAID::EM_TLRAID(const RaidTimings& timings, const TLRAIDRestClientSettings&
       m_evPollWake(false, true),
       m_evPollEnded(false, true),
       m_DetectRestClient(rest),
-      m_Timings(timings) {
+      m_Timings(timings),
+      m_Clock(clock) {
     TLR_TRACE(5, "\nEM_TLRAID           : -> Constructor...");
     m_bTestRequestsEnabled = false;
     m_bCSS_HDD = false;

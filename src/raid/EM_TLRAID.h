@@ -9,6 +9,7 @@
 #include "enclosure/EnclosureMap.h"
 #include "frame/ExtensionModule.h"
 #include "inventory/PciConfigList.h"
+#include "raid/PollingRules.h"
 #include "raid/RaidSettings.h"
 #include "rest/TLRAIDRestClient.h"
 #include "runtime/Event.h"
@@ -26,8 +27,9 @@ class EM_TLRAID : public CExtensionModule {
 
     // The shipped module: the host's REST daemon and the fixed waits and tries.
     EM_TLRAID();
-    // A module with other waits and another REST set-up, for tests.
-    EM_TLRAID(const RaidTimings& timings, const TLRAIDRestClientSettings& rest);
+    // A module with other waits, another REST set-up and another clock, for tests.
+    EM_TLRAID(const RaidTimings& timings, const TLRAIDRestClientSettings& rest,
+              const PollingClock& clock = PollingClock());
     ~EM_TLRAID() override;
 
     int GetModuleInfo(ModuleInfoBlock* block) override;
@@ -78,7 +80,8 @@ class EM_TLRAID : public CExtensionModule {
   private:
     void StartPollingThread();
     bool FetchFirstSnapshot(CTLRaidData& doc, uint32_t clientId, std::string& text);
-    void StorageDeviceTreePolling();
+    void StorageDeviceTreePolling(bool bCabinetsEmpty);
+    void PollOnce(bool bCabinetsEmpty, MdcProgressMap& mdcPrevious, time_t& tLastSmartCheck);
 
     std::map<uint32_t, std::string> m_Snapshots;
     CRecursiveLock m_TLRaidSnapshotLock;
@@ -113,6 +116,7 @@ class EM_TLRAID : public CExtensionModule {
     std::atomic<bool> m_bEnclosureMapReady{false};
 
     RaidTimings m_Timings;
+    PollingClock m_Clock;
     // Orders Stop against a wait thread that starts the polling thread at the same moment.
     std::mutex m_PollingStartLock;
 };

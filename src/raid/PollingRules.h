@@ -29,6 +29,13 @@ std::tm LocalTime(time_t when);
 // The asctime text of a time, with its closing newline.
 std::string AscTime(const std::tm& when);
 
+// The polling thread's clock: the time now and the local time of a moment. The shipped
+// module uses time and localtime; tests set the clock where they need it.
+struct PollingClock {
+    std::function<time_t()> Now = [] { return time(nullptr); };
+    LocalTimeFn LocalTimeOf = LocalTime;
+};
+
 // One look at the SMART clock at now, with its trace lines. The local time is asked for only
 // when a check is due. True on a trigger, which sets tLastSmartCheck to now; otherwise
 // tLastSmartCheck stays, so that the check is repeated until the hour comes.

@@ -4,6 +4,9 @@
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
+#include <chrono>
+#include <thread>
+
 #include "support/Process.h"
 
 void FakeSwitch::Answer(uint32_t oc, const std::string& replyJson) {
@@ -28,8 +31,15 @@ int FakeSwitch::SendRequest(CIExtensionModule*, CommandRecord* record, uint32_t 
     return 0;
 }
 
-int FakeSwitch::SendEvent(CIExtensionModule*, CommandRecord*) {
+int FakeSwitch::SendEvent(CIExtensionModule*, CommandRecord* record) {
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    m_Events.push_back(record->ToJson());
     return 0;
+}
+
+std::vector<std::string> FakeSwitch::Events() {
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    return m_Events;
 }
 
 std::vector<std::string> FakeSwitch::Requests() {
@@ -52,7 +62,9 @@ RaidTimings FastTimings() {
     t.nSnapshotRetrySleepSec = 0;
     t.nSwitchRequestTimeoutMs = 5000;
     t.nSwitchStartedTreeTimeoutSec = 5;
-    t.nPollIntervalMs = 100;
+    // One polling cycle at start, then a wait that outlasts the test; the polling tests set
+    // a short cycle themselves.
+    t.nPollIntervalMs = 60000;
     return t;
 }
 
@@ -90,12 +102,24 @@ void RaidModuleTest::StartSimulator() {
 }
 
 EM_TLRAID& RaidModuleTest::MakeModule(bool start) {
-    m_pModule = std::make_unique<EM_TLRAID>(FastTimings(), TLRAIDRestClientSettings());
+    return MakeModule(FastTimings(), PollingClock(), start);
+}
+
+EM_TLRAID& RaidModuleTest::MakeModule(const RaidTimings& timings, const PollingClock& clock,
+                                      bool start) {
+    m_pModule = std::make_unique<EM_TLRAID>(timings, TLRAIDRestClientSettings(), clock);
     if (start) {
         m_pModule->Start(&m_Switch, 0);
         m_bStarted = true;
     }
     return *m_pModule;
+}
+
+size_t RaidModuleTest::WaitForTreeRequests(size_t count, int timeoutMs) const {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+    while (TreeRequests() < count && std::chrono::steady_clock::now() < end)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return TreeRequests();
 }
 
 std::unique_ptr<CommandRecord> RaidModuleTest::Ask(uint32_t oc, uint32_t oe, uint32_t oi,

@@ -28,6 +28,8 @@ class FakeSwitch : public ISwitch {
     uint32_t GetSwitchType() override { return m_nType; }
 
     std::vector<std::string> Requests();
+    // The events as the switch got them, ST 255 included.
+    std::vector<std::string> Events();
     uint32_t LastTimeout() const { return m_nLastTimeout; }
 
   private:
@@ -35,6 +37,7 @@ class FakeSwitch : public ISwitch {
     std::mutex m_Mutex;
     std::map<uint32_t, std::string> m_Answers;
     std::vector<std::string> m_Requests;
+    std::vector<std::string> m_Events;
     uint32_t m_nLastTimeout = 0;
 };
 
@@ -55,9 +58,13 @@ class RaidModuleTest : public ::testing::Test {
     void ServeTree(const std::string& xml) { ReplaceFile(m_sTreePath, xml); }
     void SetFaults(const std::string& controlJson) { ReplaceFile(m_sControlPath, controlJson); }
     size_t TreeRequests() const { return m_pSim ? m_pSim->Requests(tlr_rest::kSdtEndpoint) : 0; }
+    // Waits until the simulator has had this many tree requests, or the time is over; gives
+    // the number it had.
+    size_t WaitForTreeRequests(size_t count, int timeoutMs = 5000) const;
 
     // A new module with the test timings, started on the fake switch unless told otherwise.
     EM_TLRAID& MakeModule(bool start = true);
+    EM_TLRAID& MakeModule(const RaidTimings& timings, const PollingClock& clock, bool start);
     // Sends one request and gives back the answered record.
     std::unique_ptr<CommandRecord> Ask(uint32_t oc, uint32_t oe = 0, uint32_t oi = 0,
                                        uint32_t ci = 1, const std::string& daJson = "");

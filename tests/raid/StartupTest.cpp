@@ -49,8 +49,9 @@ TEST_F(StartupTest, ServiceUpGivesTheFirstTreeAndStartsPolling) {
     EXPECT_TRUE(Has(t, "\nEM_TLRAID           : Got valid TLRAID response"));
     EXPECT_TRUE(Has(t, "Qualifier = (_StorageDeviceTreePollingThread)"));
     EXPECT_TRUE(Has(t, "\n\n### Start of module EM_TLRAID completed successfully ###"));
-    // One tree for the probe, one for the first valid response.
-    EXPECT_EQ(TreeRequests(), 2u);
+    // One tree for the probe, one for the first valid response, and the polling thread's
+    // first cycle, which comes at once.
+    EXPECT_EQ(WaitForTreeRequests(3), 3u);
 
     EXPECT_EQ(module.Stop(), 1);
     t = Debug.Take();
@@ -115,7 +116,8 @@ TEST_F(StartupTest, TreeThatStaysInvalidIsAskedForEveryTry) {
     m_bStarted = true;
     std::string t = Debug.Take();
     EXPECT_EQ(Count(t, "Got invalid TLRAID response"), 5u);
-    EXPECT_EQ(TreeRequests(), 1u + 5u);
+    // The probe, the five tries, and the polling thread's first cycle.
+    EXPECT_EQ(WaitForTreeRequests(1u + 5u + 1u), 1u + 5u + 1u);
     // The polling thread runs all the same.
     t += TraceUntil("StorageDeviceTreePolling - Thread started.", 5000);
     EXPECT_TRUE(Has(t, "StorageDeviceTreePolling - Thread started."));
@@ -126,8 +128,8 @@ TEST_F(StartupTest, FailedRequestEndsTheFirstWaitAtOnce) {
     SetFaults("{\"sdt\":{\"body\":\"not json\"}}");
     EM_TLRAID& module = MakeModule(false);
     EXPECT_FALSE(module.InitializeAfterTLRaidStart());
-    m_bStarted = true;  // the polling thread was started
-    EXPECT_EQ(TreeRequests(), 1u);
+    m_bStarted = true;  // the polling thread was started, and asks at once as well
+    EXPECT_EQ(WaitForTreeRequests(2), 2u);
 }
 
 TEST_F(StartupTest, ShutdownBeforeStartMakesDetectionGiveUp) {

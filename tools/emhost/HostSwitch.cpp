@@ -52,12 +52,21 @@ int HostSwitch::SendEvent(CIExtensionModule*, CommandRecord* record) {
     if (!record)
         return 0;
     m_Output.WriteLine("{\"event\":" + record->ToJson() + "}");
+    EventListener listener;
     {
         std::lock_guard<std::mutex> lock(m_EventMutex);
         ++m_nEvents;
+        listener = m_EventListener;
     }
+    if (listener)
+        listener(*record);
     m_EventArrived.notify_all();
     return 0;
+}
+
+void HostSwitch::SetEventListener(EventListener listener) {
+    std::lock_guard<std::mutex> lock(m_EventMutex);
+    m_EventListener = std::move(listener);
 }
 
 uint64_t HostSwitch::WaitForEvents(uint64_t count, uint64_t timeoutMs) {

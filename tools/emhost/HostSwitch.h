@@ -2,6 +2,7 @@
 
 #include <condition_variable>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
@@ -22,6 +23,10 @@ class HostSwitch : public ISwitch {
     int SendEvent(CIExtensionModule* module, CommandRecord* record) override;
     uint32_t GetSwitchType() override { return m_nType; }
 
+    // Called with every event record while the switch has it, on the module's thread.
+    using EventListener = std::function<void(const CommandRecord&)>;
+    void SetEventListener(EventListener listener);
+
     // Waits until count events have come in all, or timeoutMs have passed; the total so far.
     uint64_t WaitForEvents(uint64_t count, uint64_t timeoutMs);
 
@@ -33,4 +38,5 @@ class HostSwitch : public ISwitch {
     std::mutex m_EventMutex;
     std::condition_variable m_EventArrived;
     uint64_t m_nEvents = 0;
+    EventListener m_EventListener;
 };

@@ -11,7 +11,18 @@ bool HostTraceServer::OpenFile(const std::string& path) {
         return false;
     std::lock_guard<std::mutex> lock(m_Mutex);
     m_pFile = std::move(file);
+    m_bDiscard = false;
     return true;
+}
+
+void HostTraceServer::SetListener(Listener listener) {
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    m_Listener = std::move(listener);
+}
+
+void HostTraceServer::Discard() {
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    m_bDiscard = !m_pFile;
 }
 
 void HostTraceServer::Flush() {
@@ -36,10 +47,18 @@ void HostTraceServer::Append(const char* format, va_list args) {
         vsnprintf(large.data(), large.size(), format, args);
         text = large.data();
     }
-    std::lock_guard<std::mutex> lock(m_Mutex);
-    FILE* out = m_pFile ? m_pFile.get() : stderr;
-    fwrite(text, 1, static_cast<size_t>(n), out);
-    fflush(out);
+    Listener listener;
+    {
+        std::lock_guard<std::mutex> lock(m_Mutex);
+        if (!m_bDiscard) {
+            FILE* out = m_pFile ? m_pFile.get() : stderr;
+            fwrite(text, 1, static_cast<size_t>(n), out);
+            fflush(out);
+        }
+        listener = m_Listener;
+    }
+    if (listener)
+        listener(std::string(text, static_cast<size_t>(n)));
 }
 
 void HostTraceServer::Trace(uint32_t, const char* format, ...) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -15,6 +16,11 @@ class HostTraceServer : public CITraceServer {
     // Appends to this file from now on; false if it can't be opened.
     bool OpenFile(const std::string& path);
     void Flush();
+    // Also hands every message, formatted, to this function; it must not trace.
+    using Listener = std::function<void(const std::string&)>;
+    void SetListener(Listener listener);
+    // Drops the messages instead of writing them, until a file is opened.
+    void Discard();
 
     bool IsTraceServer() override { return true; }
     int Initialize(const char*) override { return 1; }
@@ -34,6 +40,8 @@ class HostTraceServer : public CITraceServer {
 
     std::mutex m_Mutex;
     std::unique_ptr<FILE, FileCloser> m_pFile;
+    Listener m_Listener;
+    bool m_bDiscard = false;
 };
 
 // The object that modules find under the name "Debug".

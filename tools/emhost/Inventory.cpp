@@ -6,6 +6,7 @@
 
 #include "InventoryCabinets.h"
 #include "InventoryWords.h"
+#include "ModuleClient.h"
 #include "TextTable.h"
 #include "frame/CommandRecord.h"
 #include "frame/ExtensionModule.h"
@@ -15,68 +16,7 @@ namespace {
 namespace words = inventory_words;
 
 constexpr uint32_t kClientId = 1;
-// One answer of the module: its status and its data as a number or a text.
-struct Reply {
-    uint32_t status = 0;
-    uint64_t number = 0;
-    std::string text;
-    bool Ok() const { return status == status::kOk; }
-};
-
-class Client {
-  public:
-    explicit Client(CIExtensionModule& module) : m_Module(module) {}
-
-    Reply Ask(uint32_t oc, uint32_t oe = 0, uint32_t oi = 0) {
-        CommandRecord record;
-        std::string json = "{\"SIP\":{\"V\":1,\"CMD\":[{\"OC\":" + std::to_string(oc) +
-                           ",\"OE\":" + std::to_string(oe) + ",\"OI\":" + std::to_string(oi) +
-                           ",\"CI\":" + std::to_string(kClientId) + "}]}}";
-        record.SetJson(json);
-        m_Module.ModuleRequest(&record);
-        Reply reply;
-        reply.status = record.GetField("ST", status::kMissing);
-        const rapidjson::Value* cmd = record.Command(0);
-        const rapidjson::Value* da = cmd ? CommandRecord::FindMember(*cmd, "DA") : nullptr;
-        if (da && da->IsUint64())
-            reply.number = da->GetUint64();
-        if (da && da->IsString())
-            reply.text = da->GetString();
-        return reply;
-    }
-
-    // The answer in words, or what the status says when there is none.
-    std::string Show(uint32_t oc, uint32_t oe, uint32_t oi, std::string (*meaning)(uint32_t)) {
-        Reply r = Ask(oc, oe, oi);
-        if (!r.Ok())
-            return NoAnswer(r.status);
-        return meaning ? meaning(static_cast<uint32_t>(r.number)) : std::to_string(r.number);
-    }
-    std::string Text(uint32_t oc, uint32_t oe, uint32_t oi) {
-        Reply r = Ask(oc, oe, oi);
-        return r.Ok() ? r.text : NoAnswer(r.status);
-    }
-    uint32_t Count(uint32_t oc, uint32_t oe = 0) {
-        Reply r = Ask(oc, oe);
-        return r.Ok() ? static_cast<uint32_t>(r.number) : 0;
-    }
-
-    static std::string NoAnswer(uint32_t status) {
-        switch (status) {
-            case status::kNoSuchObject:
-                return "(no such object)";
-            case status::kNoRaidData:
-                return "(no RAID data)";
-            case status::kNotAvailable:
-                return "(not available)";
-            default:
-                return "(status " + std::to_string(status) + ")";
-        }
-    }
-
-  private:
-    CIExtensionModule& m_Module;
-};
+using Client = ModuleClient;
 
 std::string Size(Client& c, uint32_t oc, uint32_t oe, uint32_t oi, const char* unit) {
     Reply r = c.Ask(oc, oe, oi);
@@ -168,7 +108,7 @@ int PrintInventory(CIExtensionModule& module, ISwitch& hostSwitch) {
                   .count();
     printf("Start returned %d after %lld ms.\n", ret, static_cast<long long>(ms));
 
-    Client client(module);
+    Client client(module, kClientId);
     Reply count = client.Ask(oc::kAdapterCount);
     if (!count.Ok()) {
         printf("\nNo storage tree: the module answers %s.\n",

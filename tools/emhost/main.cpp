@@ -18,6 +18,8 @@
 #include "Inventory.h"
 #include "LineProtocol.h"
 #include "ModuleLibrary.h"
+#include "Watch.h"
+#include "raid/RaidSettings.h"
 
 namespace {
 
@@ -31,6 +33,8 @@ const char kUsage[] =
     "[--trace FILE]\n"
     "       emhost export [--json] [--module PATH] [--switch-type N] [--answer OC=JSON]... "
     "[--trace FILE]\n"
+    "       emhost watch [--duration SECONDS] [--module PATH] [--switch-type N] "
+    "[--answer OC=JSON]... [--trace FILE]\n"
     "\n"
     "Loads an extension module and drives it with JSON lines, one per line, from SCRIPT or\n"
     "standard input. Each line gets one JSON result line on standard output.\n"
@@ -57,13 +61,35 @@ const char kUsage[] =
     "export: creates and starts the module, asks it for the whole storage tree as a client\n"
     "does (object code 0x21D0) and writes the answer to standard output exactly as it came:\n"
     "XML, or with --json its JSON form. Then stops and deletes the module. Exit status 1\n"
-    "when the module gave no tree.\n";
+    "when the module gave no tree.\n"
+    "\n"
+    "watch: creates and starts the module, then at every polling cycle (15 s) renews the\n"
+    "snapshot of a client and prints, with the time, what changed since the last look: drive\n"
+    "and battery statuses, logical drive states and progress, overall statuses. Prints every\n"
+    "event record that the module sends and every drop of the snapshots by the polling\n"
+    "thread (from the trace, at trace level 3 or more, and from a second client that never\n"
+    "renews). Ends on Ctrl-C or after --duration SECONDS, then stops and deletes the module.\n"
+    "Without --trace the trace is not written.\n";
 
-enum class Mode { kLines, kInventory, kExport };
+enum class Mode { kLines, kInventory, kExport, kWatch };
+
+const char* ModeName(Mode mode) {
+    switch (mode) {
+        case Mode::kInventory:
+            return "inventory";
+        case Mode::kExport:
+            return "export";
+        case Mode::kWatch:
+            return "watch";
+        default:
+            return "";
+    }
+}
 
 struct Options {
     Mode mode = Mode::kLines;
     bool json = false;
+    uint32_t durationSec = 0;
     std::string module;
     uint32_t switchType = 1;
     std::vector<std::pair<uint32_t, std::string>> answers;
@@ -108,6 +134,9 @@ Options ParseOptions(int argc, char** argv) {
     } else if (argc > 1 && std::string(argv[1]) == "export") {
         o.mode = Mode::kExport;
         first = 2;
+    } else if (argc > 1 && std::string(argv[1]) == "watch") {
+        o.mode = Mode::kWatch;
+        first = 2;
     }
     for (int i = first; i < argc; ++i) {
         std::string arg = argv[i];
@@ -133,6 +162,10 @@ Options ParseOptions(int argc, char** argv) {
                 UsageError("--answer takes OC=JSON, OC a number such as 8464 or 0x2110");
             }
             o.answers.emplace_back(oc, answer.substr(eq + 1));
+        } else if (arg == "--duration" && o.mode == Mode::kWatch) {
+            if (!ParseU32(value("--duration"), o.durationSec) || o.durationSec == 0) {
+                UsageError("--duration takes a number of seconds from 1 to 4294967295");
+            }
         } else if (arg == "--trace") {
             o.trace = value("--trace");
         } else if (arg == "--json" && o.mode == Mode::kExport) {
@@ -140,8 +173,7 @@ Options ParseOptions(int argc, char** argv) {
         } else if (arg.size() > 1 && arg[0] == '-') {
             UsageError("unknown option " + arg);
         } else if (o.mode != Mode::kLines) {
-            UsageError(std::string(o.mode == Mode::kInventory ? "inventory" : "export") +
-                       " takes no SCRIPT");
+            UsageError(std::string(ModeName(o.mode)) + " takes no SCRIPT");
         } else if (o.script.empty()) {
             o.script = arg;
         } else {
@@ -176,6 +208,23 @@ int RunOnce(const Options& options, ModuleLibrary& library, ISwitch& hostSwitch)
     return status;
 }
 
+// Creates the module, watches it until the end and deletes it again.
+int RunWatchSession(ModuleLibrary& library, HostSwitch& hostSwitch, uint32_t durationSec) {
+    CIExtensionModule* module = nullptr;
+    if (!library.Create(&module, 0) || !module) {
+        fprintf(stderr, "emhost: the module could not be created\n");
+        return 1;
+    }
+    WatchOptions watch;
+    watch.durationSec = durationSec;
+    // A look at every cycle of the module's polling thread.
+    watch.lookIntervalMs = RaidTimings().nPollIntervalMs;
+    int status = RunWatch(*module, hostSwitch, Debug, watch);
+    library.Delete();
+    printf("Module deleted.\n");
+    return status;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -195,6 +244,8 @@ int main(int argc, char** argv) {
         }
     }
 
+    if (options.mode == Mode::kWatch && options.trace.empty())
+        Debug.Discard();
     static HostOutput output(options.mode == Mode::kLines ? stdout : nullptr);
     static HostSwitch hostSwitch(output, options.switchType);
     for (const auto& [oc, json] : options.answers) {
@@ -209,6 +260,8 @@ int main(int argc, char** argv) {
         return kUsageError;
     }
 
+    if (options.mode == Mode::kWatch)
+        return RunWatchSession(library, hostSwitch, options.durationSec);
     if (options.mode != Mode::kLines)
         return RunOnce(options, library, hostSwitch);
 

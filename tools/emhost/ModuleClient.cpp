@@ -1,0 +1,55 @@
+#include "ModuleClient.h"
+
+#include "frame/CommandRecord.h"
+#include "frame/ExtensionModule.h"
+
+Reply ModuleClient::Ask(uint32_t oc, uint32_t oe, uint32_t oi, const std::string& daJson) {
+    CommandRecord record;
+    std::string json = "{\"SIP\":{\"V\":1,\"CMD\":[{\"OC\":" + std::to_string(oc) +
+                       ",\"OE\":" + std::to_string(oe) + ",\"OI\":" + std::to_string(oi) +
+                       ",\"CI\":" + std::to_string(m_nClientId);
+    if (!daJson.empty())
+        json += ",\"DA\":" + daJson;
+    record.SetJson(json + "}]}}");
+    m_Module.ModuleRequest(&record);
+    Reply reply;
+    reply.status = record.GetField("ST", status::kMissing);
+    const rapidjson::Value* cmd = record.Command(0);
+    const rapidjson::Value* da = cmd ? CommandRecord::FindMember(*cmd, "DA") : nullptr;
+    if (da && da->IsUint64())
+        reply.number = da->GetUint64();
+    if (da && da->IsString())
+        reply.text = da->GetString();
+    return reply;
+}
+
+std::string ModuleClient::Show(uint32_t oc, uint32_t oe, uint32_t oi,
+                               std::string (*meaning)(uint32_t)) {
+    Reply r = Ask(oc, oe, oi);
+    if (!r.Ok())
+        return NoAnswer(r.status);
+    return meaning ? meaning(static_cast<uint32_t>(r.number)) : std::to_string(r.number);
+}
+
+std::string ModuleClient::Text(uint32_t oc, uint32_t oe, uint32_t oi) {
+    Reply r = Ask(oc, oe, oi);
+    return r.Ok() ? r.text : NoAnswer(r.status);
+}
+
+uint32_t ModuleClient::Count(uint32_t oc, uint32_t oe) {
+    Reply r = Ask(oc, oe);
+    return r.Ok() ? static_cast<uint32_t>(r.number) : 0;
+}
+
+std::string ModuleClient::NoAnswer(uint32_t status) {
+    switch (status) {
+        case status::kNoSuchObject:
+            return "(no such object)";
+        case status::kNoRaidData:
+            return "(no RAID data)";
+        case status::kNotAvailable:
+            return "(not available)";
+        default:
+            return "(status " + std::to_string(status) + ")";
+    }
+}
