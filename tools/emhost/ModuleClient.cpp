@@ -8,6 +8,8 @@ Reply ModuleClient::Ask(uint32_t oc, uint32_t oe, uint32_t oi, const std::string
     std::string json = "{\"SIP\":{\"V\":1,\"CMD\":[{\"OC\":" + std::to_string(oc) +
                        ",\"OE\":" + std::to_string(oe) + ",\"OI\":" + std::to_string(oi) +
                        ",\"CI\":" + std::to_string(m_nClientId);
+    if (m_Cabinet)
+        json += ",\"CA\":" + std::to_string(*m_Cabinet);
     if (!daJson.empty())
         json += ",\"DA\":" + daJson;
     record.SetJson(json + "}]}}");
@@ -20,15 +22,23 @@ Reply ModuleClient::Ask(uint32_t oc, uint32_t oe, uint32_t oi, const std::string
         reply.number = da->GetUint64();
     if (da && da->IsString())
         reply.text = da->GetString();
+    const rapidjson::Value* raw =
+        da && da->IsObject() ? CommandRecord::FindMember(*da, "RAW") : nullptr;
+    if (raw && raw->IsArray()) {
+        for (const auto& byte : raw->GetArray()) {
+            if (byte.IsUint())
+                reply.raw.push_back(byte.GetUint());
+        }
+    }
     return reply;
 }
 
 std::string ModuleClient::Show(uint32_t oc, uint32_t oe, uint32_t oi,
-                               std::string (*meaning)(uint32_t)) {
+                               std::string (*meaning)(uint32_t), const char* unit) {
     Reply r = Ask(oc, oe, oi);
     if (!r.Ok())
         return NoAnswer(r.status);
-    return meaning ? meaning(static_cast<uint32_t>(r.number)) : std::to_string(r.number);
+    return meaning ? meaning(static_cast<uint32_t>(r.number)) : std::to_string(r.number) + unit;
 }
 
 std::string ModuleClient::Text(uint32_t oc, uint32_t oe, uint32_t oi) {
@@ -49,6 +59,8 @@ std::string ModuleClient::NoAnswer(uint32_t status) {
             return "(no RAID data)";
         case status::kNotAvailable:
             return "(not available)";
+        case status::kCabinetUnknown:
+            return "(no such cabinet)";
         default:
             return "(status " + std::to_string(status) + ")";
     }
