@@ -100,12 +100,7 @@ TEST(CabinetSessionTest, TwoSupportedEnclosuresBecomeCabinets800And801) {
         "\nEM_TLRaid           : REQUEST for cabinet 800 accepted",
         "\nEM_TLRaid           : REQUEST for cabinet 802 rejected",
     };
-    size_t at = 0;
-    for (const char* line : trace) {
-        size_t found = run.trace.find(line, at);
-        ASSERT_NE(found, std::string::npos) << "missing in order: " << line << "\n" << run.trace;
-        at = found;
-    }
+    EXPECT_TRUE(ContainsInOrder(run.trace, trace));
 }
 
 TEST(CabinetSessionTest, OneEnclosureIsOneCabinet) {
@@ -154,12 +149,7 @@ TEST(CabinetSessionTest, InventoryShowsEachCabinetInItsStates) {
         "  Power supply redundancy: 1 redundant",
         "Module deleted.",
     };
-    size_t at = 0;
-    for (const char* line : expected) {
-        size_t found = r.out.find(line, at);
-        ASSERT_NE(found, std::string::npos) << "missing in order: " << line << "\n" << r.out;
-        at = found;
-    }
+    EXPECT_TRUE(ContainsInOrder(r.out, expected));
 }
 
 }  // namespace

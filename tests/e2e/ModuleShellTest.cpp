@@ -75,12 +75,7 @@ TEST(ModuleShellTest, LifeCycleAnswersAndTraces) {
         "\nEM DLL (EM_TLRAID ) : .. Module destroyed successfully!",
         "\nEM DLL (EM_TLRAID ) : Module already destroyed!",
     };
-    size_t at = 0;
-    for (const char* line : expected) {
-        size_t found = run.trace.find(line, at);
-        ASSERT_NE(found, std::string::npos) << "missing in order: " << line;
-        at = found;
-    }
+    EXPECT_TRUE(ContainsInOrder(run.trace, expected));
 }
 
 TEST(ModuleShellTest, InformationBlockNeedsItsFullSize) {

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "support/Emhost.h"
 #include "support/Process.h"
 #include "support/SandboxHost.h"
 #include "support/TempDir.h"
@@ -42,12 +43,7 @@ TEST(WatchTest, AClientThatNeverRenewsSeesTheNewProgressAfterTheNextCycle) {
         "Time is up. Stopping the module",
         "Module deleted.",
     };
-    size_t at = 0;
-    for (const char* line : expected) {
-        size_t found = r.out.find(line, at);
-        ASSERT_NE(found, std::string::npos) << "missing in order: " << line << "\n" << r.out;
-        at = found;
-    }
+    EXPECT_TRUE(ContainsInOrder(r.out, expected));
     EXPECT_EQ(r.out.find(" event: "), std::string::npos) << r.out;
 }
 

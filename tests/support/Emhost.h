@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
@@ -29,3 +31,17 @@ long ElapsedMs(const std::string& line);
 std::vector<std::string> SampleHostOptions();
 
 EmhostRun RunEmhost(const std::vector<std::string>& inputLines, const EmhostOptions& options = {});
+
+// Success when each of lines stands in text, in their order (a line may begin where the one
+// before it was found); otherwise names the first line missing, and shows the text.
+template <class Lines>
+::testing::AssertionResult ContainsInOrder(const std::string& text, const Lines& lines) {
+    size_t at = 0;
+    for (const auto& line : lines) {
+        size_t found = text.find(line, at);
+        if (found == std::string::npos)
+            return ::testing::AssertionFailure() << "missing in order: " << line << "\n" << text;
+        at = found;
+    }
+    return ::testing::AssertionSuccess();
+}
