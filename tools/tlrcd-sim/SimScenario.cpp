@@ -1,25 +1,15 @@
 #include "SimScenario.h"
 
+#include "SimFiles.h"
+
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <sstream>
 
 namespace {
 
 std::string DirectoryOf(const std::string& path) {
     const size_t slash = path.rfind('/');
     return slash == std::string::npos ? std::string(".") : path.substr(0, slash);
-}
-
-bool ReadWholeFile(const std::string& path, std::string& text) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
-        return false;
-    std::stringstream buffer;
-    buffer << in.rdbuf();
-    text = buffer.str();
-    return true;
 }
 
 bool IsNumber(const nlohmann::json& value) {

@@ -3,8 +3,6 @@
 #include <openssl/rand.h>
 
 #include <chrono>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
 #include "SimJwt.h"
@@ -72,18 +70,6 @@ std::string BearerToken(const httplib::Request& req) {
 }
 
 }  // namespace
-
-bool ReadWholeFile(const std::string& path, std::string& text) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
-        return false;
-    std::stringstream buffer;
-    buffer << in.rdbuf();
-    if (in.bad())
-        return false;
-    text = buffer.str();
-    return true;
-}
 
 const char* BuiltInTree() {
     return R"(<?xml version="1.0" encoding="UTF-8"?>

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "SimControl.h"
+#include "SimFiles.h"
 #include "SimOptions.h"
 #include "SimScenario.h"
 #include "TlsIdentity.h"
@@ -76,7 +77,5 @@ class CSimServer {
     bool m_bRunDone = false;
 };
 
-// Reads a whole file; false if it can't be read.
-bool ReadWholeFile(const std::string& path, std::string& text);
 // The tree answered when no --tree file is given.
 const char* BuiltInTree();
