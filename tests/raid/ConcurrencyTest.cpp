@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "RaidTestKit.h"
+#include "support/SandboxHost.h"
 
 namespace {
 
@@ -51,6 +52,52 @@ TEST_F(ConcurrencyTest, RequestsDetachesAndStopTogether) {
     requestsDone = true;
     detacher.join();
     EXPECT_EQ(unexpected, 0);
+    EXPECT_EQ(module.Stop(), 1);
+    m_bStarted = false;
+}
+
+TEST_F(ConcurrencyTest, ServiceThatComesWhileRequestsArrive) {
+    // The wait thread finds the service, sets up the cabinets and starts the polling thread
+    // while requests for the server and its cabinets come in; then the polling thread reads
+    // the tree, cycle after cycle, beside them and beside renewals.
+    sandbox_host::SetInstalled(true);
+    ServeSample("cabinets.xml");
+    RaidTimings timings = FastTimings();
+    timings.nPollIntervalMs = 50;
+    EM_TLRAID& module = MakeModule(timings, PollingClock(), false);
+    ASSERT_EQ(module.Start(&m_Switch, 0), 1);
+    m_bStarted = true;
+
+    // OC, OI and the cabinet (0: the server itself).
+    const uint32_t requests[][3] = {{0x2110, 0, 0},   {0x21DF, 0, 0},   {0x0220, 0, 0},
+                                    {0x0300, 0, 800}, {0x0301, 1, 800}, {0x0510, 0, 801},
+                                    {0x2190, 0, 0},   {0x2152, 0, 0}};
+    std::atomic<bool> done{false};
+    std::vector<std::thread> threads;
+    for (uint32_t t = 0; t < 4; ++t) {
+        threads.emplace_back([&, t] {
+            for (uint32_t i = 0; !done; ++i) {
+                const uint32_t* r = requests[(t + i) % std::size(requests)];
+                std::string command = "{\"OC\":" + std::to_string(r[0]) +
+                                      ",\"OI\":" + std::to_string(r[1]) +
+                                      ",\"CI\":" + std::to_string(t);
+                if (r[2] != 0)
+                    command += ",\"CA\":" + std::to_string(r[2]);
+                CommandRecord record;
+                record.SetJson("{\"SIP\":{\"CMD\":[" + command + "}]}}");
+                module.ModuleRequest(&record);
+                module.ClientDetached((t + i) % 5);
+            }
+        });
+    }
+    sandbox_host::SetRunning(true);
+    StartSimulator();
+    const size_t kTreeRequests = 12;
+    EXPECT_GE(WaitForTreeRequests(kTreeRequests, 30000), kTreeRequests);
+    done = true;
+    for (auto& t : threads)
+        t.join();
+    EXPECT_EQ(Answer(0x0220), "{\"ST\":0,\"DA\":{\"RAW\":[32,3,33,3]}}");
     EXPECT_EQ(module.Stop(), 1);
     m_bStarted = false;
 }
