@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "storage/AdapterDeviceId.h"
 #include "storage/TLRaidData.h"
@@ -58,49 +59,50 @@ const char* const kAdapters =
     "<Adapter><Battery/><PCIBus>5</PCIBus><PCIDevice>0</PCIDevice></Adapter>"
     "<Adapter><PCIBus>6</PCIBus><PCIDevice>0</PCIDevice><Battery/></Adapter>";
 
+struct IndexRow {
+    const char* id;
+    int index;  // -1: not found
+};
+
+using IndexFinder = bool (*)(CXmlDoc&, uint32_t&, const std::string&);
+
+// Each row's id through the finder: found at the row's index, or not found and untouched.
+void ExpectIndexes(CXmlDoc& tree, IndexFinder find, const std::vector<IndexRow>& rows) {
+    for (const IndexRow& row : rows) {
+        uint32_t index = 99;
+        EXPECT_EQ(find(tree, index, row.id), row.index >= 0) << row.id;
+        EXPECT_EQ(index, row.index >= 0 ? uint32_t(row.index) : 99u) << row.id;
+    }
+}
+
 TEST(AdapterDeviceId, IndexAmongTheAdapters) {
     CTLRaidData tree;
     tree.SetDoc(WholeTree(kAdapters));
-    struct Row {
-        const char* id;
-        int index;  // -1: not found
-    };
-    const Row rows[] = {
-        {"TYPE_PCI&BUS_3&DEV_0&FUNC_0", 0},
-        {"TYPE_PCI&BUS_4&DEV_0&FUNC_2", 2},
-        {"TYPE_PCI&BUS_5&DEV_0&FUNC_0", 3},
-        {"TYPE_PCI&BUS_6&DEV_0&FUNC_0", 4},
-        {"", 1},  // the first adapter without an address
-        {"TYPE_PCI&BUS_4&DEV_0&FUNC_2 ", -1},
-        {"TYPE_PCI&BUS_7&DEV_0&FUNC_0", -1},
-    };
-    for (const Row& row : rows) {
-        uint32_t index = 99;
-        EXPECT_EQ(FindAdapterIndex(tree, index, row.id), row.index >= 0) << row.id;
-        EXPECT_EQ(index, row.index >= 0 ? uint32_t(row.index) : 99u) << row.id;
-    }
+    ExpectIndexes(tree, FindAdapterIndex,
+                  {
+                      {"TYPE_PCI&BUS_3&DEV_0&FUNC_0", 0},
+                      {"TYPE_PCI&BUS_4&DEV_0&FUNC_2", 2},
+                      {"TYPE_PCI&BUS_5&DEV_0&FUNC_0", 3},
+                      {"TYPE_PCI&BUS_6&DEV_0&FUNC_0", 4},
+                      {"", 1},  // the first adapter without an address
+                      {"TYPE_PCI&BUS_4&DEV_0&FUNC_2 ", -1},
+                      {"TYPE_PCI&BUS_7&DEV_0&FUNC_0", -1},
+                  });
 }
 
 TEST(AdapterDeviceId, IndexByBatteries) {
     CTLRaidData tree;
     tree.SetDoc(WholeTree(kAdapters));
-    struct Row {
-        const char* id;
-        int index;  // -1: not found
-    };
-    const Row rows[] = {
-        {"TYPE_PCI&BUS_3&DEV_0&FUNC_0", 0},  // no battery before it, none of its own
-        {"TYPE_PCI&BUS_4&DEV_0&FUNC_2", 1},  // one battery before it
-        {"TYPE_PCI&BUS_5&DEV_0&FUNC_0", 2},  // its own battery counts
-        // The address in front of the battery isn't found: that adapter's id is empty.
-        {"TYPE_PCI&BUS_6&DEV_0&FUNC_0", -1},
-        {"", 1},  // the battery adapter without an address
-    };
-    for (const Row& row : rows) {
-        uint32_t index = 99;
-        EXPECT_EQ(FindBatteryAdapterIndex(tree, index, row.id), row.index >= 0) << row.id;
-        EXPECT_EQ(index, row.index >= 0 ? uint32_t(row.index) : 99u) << row.id;
-    }
+    ExpectIndexes(tree, FindBatteryAdapterIndex,
+                  {
+                      {"TYPE_PCI&BUS_3&DEV_0&FUNC_0", 0},  // no battery before it, none of its own
+                      {"TYPE_PCI&BUS_4&DEV_0&FUNC_2", 1},  // one battery before it
+                      {"TYPE_PCI&BUS_5&DEV_0&FUNC_0", 2},  // its own battery counts
+                      // The address in front of the battery isn't found: that adapter's id is
+                      // empty.
+                      {"TYPE_PCI&BUS_6&DEV_0&FUNC_0", -1},
+                      {"", 1},  // the battery adapter without an address
+                  });
 
     // In the sample, every battery stands behind its adapter's address.
     tree.SetDoc(SampleTree("batteries.xml"));
