@@ -1,23 +1,24 @@
 #include "raid/EM_TLRAID.h"
 
+#include <utility>
+
 #include "runtime/DebugClient.h"
 
 namespace {
 constexpr uint32_t kReservedValue = 600000;
 }
 
-EM_TLRAID::EM_TLRAID() : EM_TLRAID(RaidTimings(), TLRAIDRestClientSettings()) {}
+EM_TLRAID::EM_TLRAID() : EM_TLRAID(RaidTimings(), std::make_shared<CRaidDaemon>()) {}
 
-EM_TLRAID::EM_TLRAID(const RaidTimings& timings, const TLRAIDRestClientSettings& rest,
+EM_TLRAID::EM_TLRAID(const RaidTimings& timings, std::shared_ptr<CIRaidDaemon> daemon,
                      const PollingClock& clock)
-    : m_RestClient(rest),
+    : m_pDaemon(std::move(daemon)),
       m_evRetryWait(false, true),
       m_evSwitchStarted(false, true),
       m_evStopWait(false, true),
       m_evStopRequest(false, true),
       m_evPollWake(false, true),
       m_evPollEnded(false, true),
-      m_DetectRestClient(rest),
       m_Timings(timings),
       m_Clock(clock) {
     TLR_TRACE(5, "\nEM_TLRAID           : -> Constructor...");

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <string>
 
@@ -11,7 +12,7 @@
 #include "inventory/PciConfigList.h"
 #include "raid/PollingRules.h"
 #include "raid/RaidSettings.h"
-#include "rest/TLRAIDRestClient.h"
+#include "rest/RaidDaemon.h"
 #include "runtime/Event.h"
 #include "runtime/RecursiveLock.h"
 #include "runtime/Thread.h"
@@ -25,10 +26,10 @@ class EM_TLRAID : public CExtensionModule {
     static constexpr const char* kModuleName = "EM_TLRAID";
     static constexpr const char* kDescription = "TLRAID extension module";
 
-    // The shipped module: the host's REST daemon and the fixed waits and tries.
+    // The shipped module: the host's RAID manager and the fixed waits and tries.
     EM_TLRAID();
-    // A module with other waits, another REST set-up and another clock, for tests.
-    EM_TLRAID(const RaidTimings& timings, const TLRAIDRestClientSettings& rest,
+    // A module with other waits, another daemon and another clock, for tests.
+    EM_TLRAID(const RaidTimings& timings, std::shared_ptr<CIRaidDaemon> daemon,
               const PollingClock& clock = PollingClock());
     ~EM_TLRAID() override;
 
@@ -85,7 +86,7 @@ class EM_TLRAID : public CExtensionModule {
 
     std::map<uint32_t, std::string> m_Snapshots;
     CRecursiveLock m_TLRaidSnapshotLock;
-    TLRAIDRestClient m_RestClient;
+    std::shared_ptr<CIRaidDaemon> m_pDaemon;
     CEvent m_evRetryWait;
     CPciConfigList m_PciConfigList;
     CEvent m_evSwitchStarted;
@@ -102,7 +103,6 @@ class EM_TLRAID : public CExtensionModule {
     // Two clients may set the attribute at once; nothing else waits on this.
     std::mutex m_TestAttributeLock;
     uint32_t m_nReserved = 0;
-    TLRAIDRestClient m_DetectRestClient;
     // Flags read by other threads without a lock.
     std::atomic<bool> m_bTestRequestsEnabled{false};
     std::atomic<bool> m_bCSS_HDD{false};

@@ -1,15 +1,8 @@
 // Start and stop of the module: the RAID manager's installation, its service, the first
 // valid storage tree, and the threads that wait for the service and poll the tree.
-#include <sys/stat.h>
-
-#include <cstdio>
-#include <memory>
-
 #include "enclosure/EnclosureSetup.h"
 #include "raid/EM_TLRAID.h"
-#include "rest/RestConstants.h"
 #include "runtime/DebugClient.h"
-#include "runtime/Pipe.h"
 #include "storage/TLRaidData.h"
 
 namespace {
@@ -17,12 +10,6 @@ namespace {
 constexpr char kDashes[] =
     "\n------------------------------------------------------------------------------------------"
     "\n";
-constexpr size_t kProbeLineLength = 256;
-
-bool PathExists(const char* path) {
-    struct stat st;
-    return stat(path, &st) == 0;
-}
 
 const char* YesNo(bool b) {
     return b ? "true" : "false";
@@ -90,13 +77,7 @@ int EM_TLRAID::Stop() {
 }
 
 bool EM_TLRAID::IsTLRaidInstalled() {
-    bool installed = false;
-    for (const char* path : raid_host::kInstallMarks) {
-        if (PathExists(path)) {
-            installed = true;
-            break;
-        }
-    }
+    const bool installed = m_pDaemon->IsInstalled();
     TLR_TRACE(2, "\nCOsInfo             : TessalineRaid is %sinstalled", installed ? "" : "NOT ");
     return installed;
 }
@@ -122,12 +103,7 @@ bool EM_TLRAID::DetectTLRaid(uint32_t waitMs, uint32_t tries) {
         for (;;) {
             m_evRetryWait.Wait(waitMs, true);
             if (!m_isTerminating) {
-                for (const char* path : raid_host::kPidFiles) {
-                    if (PathExists(path)) {
-                        running = true;
-                        break;
-                    }
-                }
+                running = m_pDaemon->IsServiceRunning();
                 TLR_TRACE(3, "\nCOsInfo             :Tessaline RAID %srunning",
                           running ? "" : "NOT ");
                 if (running) {
@@ -161,20 +137,7 @@ bool EM_TLRAID::DetectTLRaid(uint32_t waitMs, uint32_t tries) {
 }
 
 bool EM_TLRAID::DetectRestServer() {
-    PipePtr pipe(popen(raid_host::kProbeCommand, "r"));
-    if (!pipe) {
-        TLR_TRACE(2, "\nCDeviceTLRaid::DetectTLRaid: failed to call lsof");
-        return false;
-    }
-    char line[kProbeLineLength] = {};
-    const std::string port = std::to_string(tlr_rest::kDaemonPort);
-    if (!fgets(line, sizeof(line), pipe.get()) || !strstr(line, port.c_str())) {
-        TLR_TRACE(4, "\nCDeviceTLRaid::DetectTLRaid: TLRCD REST server NOT running");
-        return false;
-    }
-    TLR_TRACE(4, "\nCDeviceTLRaid::DetectTLRaid: TLRCD REST server is running");
-    std::string ignored;
-    return m_DetectRestClient.GetXmlSdt(ignored, m_Timings.nProbeTimeoutSec);
+    return m_pDaemon->ProbeRestServer(m_Timings.nProbeTimeoutSec);
 }
 
 void* EM_TLRAID::WaitForTLRaidStart_Thread(void* argument) {
@@ -203,7 +166,7 @@ bool EM_TLRAID::InitializeAfterTLRaidStart() {
                       static_cast<int>(attempt));
             std::string xml;
             // Only an invalid tree is asked for again; a failed request ends the wait.
-            if (!m_RestClient.GetXmlSdt(xml, m_Timings.nInitTimeoutSec))
+            if (!m_pDaemon->FetchTree(xml, m_Timings.nInitTimeoutSec))
                 break;
             TLR_TRACE(6, "\nEM_TLRAID           : TLRAID response data: \n%s", xml.c_str());
             doc.SetDoc(xml);

@@ -11,13 +11,13 @@ constexpr uint32_t kRedfishTimeoutSec = 0;
 }  // namespace
 
 bool EM_TLRAID::FetchRawTree(std::string& xml) {
-    return m_RestClient.GetXmlSdt(xml, m_Timings.nRequestTreeTimeoutSec);
+    return m_pDaemon->FetchTree(xml, m_Timings.nRequestTreeTimeoutSec);
 }
 
 int EM_TLRAID::RaidRedfishRequest(const std::string& body, std::string& reply) {
     TLR_TRACE(3, "\nTLRAIDRestClient    : RaidRedfishRequest [%s]", body.c_str());
     // The daemon's reply is all the client gets; whether the POST went out isn't told.
-    m_DetectRestClient.SendRedfishRequest(body, reply, kRedfishTimeoutSec);
+    m_pDaemon->PostRedfish(body, reply, kRedfishTimeoutSec);
     return 1;
 }
 

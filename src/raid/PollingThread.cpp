@@ -50,7 +50,7 @@ void EM_TLRAID::PollOnce(bool bCabinetsEmpty, MdcProgressMap& mdcPrevious,
                          time_t& tLastSmartCheck) {
     std::string xml;
     // A failed fetch costs the cycle and nothing else: the last MDC map stays.
-    if (!m_RestClient.GetXmlSdt(xml, m_Timings.nPollTimeoutSec))
+    if (!m_pDaemon->FetchTree(xml, m_Timings.nPollTimeoutSec))
         return;
     CTLRaidData doc;
     doc.SetDoc(xml);

@@ -54,7 +54,7 @@ bool EM_TLRAID::FetchFirstSnapshot(CTLRaidData& doc, uint32_t clientId, std::str
         TLR_TRACE(4, "\nEM_TLRAID (GetSnap) : CID 0x%08X: Check TLRAID XML snpashot (Retry: %d)",
                   clientId, static_cast<int>(attempt));
         std::string xml;
-        if (!m_RestClient.GetXmlSdt(xml, m_Timings.nSnapshotTimeoutSec))
+        if (!m_pDaemon->FetchTree(xml, m_Timings.nSnapshotTimeoutSec))
             return false;
         text = xml;
         doc.SetDoc(text);
@@ -91,7 +91,7 @@ bool EM_TLRAID::TLRaidDataUpdateSnapshot(uint32_t clientId) {
                 clientId, static_cast<int>(m_Snapshots.size()));
             auto read = [&](std::string& text) {
                 std::string xml;
-                if (m_RestClient.GetXmlSdt(xml, m_Timings.nSnapshotTimeoutSec)) {
+                if (m_pDaemon->FetchTree(xml, m_Timings.nSnapshotTimeoutSec)) {
                     TLR_TRACE(4,
                               "\nEM_TLRAID (UpdSnap) :   RAID data successfully read, update "
                               "snapshot");

@@ -44,7 +44,7 @@ void EM_TLRAID::OnSwitchStarted() {
     TLR_TRACE(2, "\nEM_TLRAID           : BBU %sCSS component", m_bCSS_BBU ? "" : "NOT ");
 
     std::string xml;
-    if (m_RestClient.GetXmlSdt(xml, m_Timings.nSwitchStartedTreeTimeoutSec)) {
+    if (m_pDaemon->FetchTree(xml, m_Timings.nSwitchStartedTreeTimeoutSec)) {
         CTLRaidData tree;
         tree.SetDoc(xml);
         // The value serves the getter's trace lines only.

@@ -60,8 +60,9 @@ TEST_F(ConcurrencyTest, ServiceThatComesWhileRequestsArrive) {
     // The wait thread finds the service, sets up the cabinets and starts the polling thread
     // while requests for the server and its cabinets come in; then the polling thread reads
     // the tree, cycle after cycle, beside them and beside renewals.
-    sandbox_host::SetInstalled(true);
     ServeSample("cabinets.xml");
+    Daemon().SetRunning(false);
+    Daemon().SetRestServerUp(false);
     RaidTimings timings = FastTimings();
     timings.nPollIntervalMs = 50;
     EM_TLRAID& module = MakeModule(timings, PollingClock(), false);
@@ -90,14 +91,16 @@ TEST_F(ConcurrencyTest, ServiceThatComesWhileRequestsArrive) {
             }
         });
     }
-    sandbox_host::SetRunning(true);
-    StartSimulator();
-    const size_t kTreeRequests = 12;
-    EXPECT_GE(WaitForTreeRequests(kTreeRequests, 30000), kTreeRequests);
+    Daemon().SetRunning(true);
+    Daemon().SetRestServerUp(true);
+    const char kCabinetAnswer[] = "{\"ST\":0,\"DA\":{\"RAW\":[32,3,33,3]}}";
+    EXPECT_TRUE(WaitUntil([&] { return Answer(0x0220) == kCabinetAnswer; }));
+    const size_t kMoreFetches = Daemon().Fetches() + 12;
+    EXPECT_GE(Daemon().WaitForFetches(kMoreFetches), kMoreFetches);
     done = true;
     for (auto& t : threads)
         t.join();
-    EXPECT_EQ(Answer(0x0220), "{\"ST\":0,\"DA\":{\"RAW\":[32,3,33,3]}}");
+    EXPECT_EQ(Answer(0x0220), kCabinetAnswer);
     EXPECT_EQ(module.Stop(), 1);
     m_bStarted = false;
 }

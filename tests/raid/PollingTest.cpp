@@ -90,16 +90,11 @@ PollingClock ClockOf(const std::shared_ptr<TestClock>& c) {
 
 class PollingTest : public RaidModuleTest {
   protected:
-    void SetUp() override {
-        RaidModuleTest::SetUp();
-        sandbox_host::SetInstalled(true);
-        sandbox_host::SetRunning(true);
-    }
+    void SetUp() override { Daemon().SetUp(true); }
 
     // Serves the tree and starts a module with a short cycle.
     void StartPolling(const std::string& xml, const PollingClock& clock = PollingClock()) {
         ServeTree(xml);
-        StartSimulator();
         RaidTimings timings = FastTimings();
         timings.nPollIntervalMs = kShortCycleMs;
         MakeModule(timings, clock, true);
@@ -177,7 +172,6 @@ TEST_F(PollingTest, EveryMdcChangeDropsTheSnapshots) {
         m_pModule->Stop();
         m_pModule.reset();
         m_bStarted = false;
-        m_pSim.reset();
         Debug.Take();
     }
 }
@@ -200,14 +194,14 @@ TEST_F(PollingTest, ClientSeesTheNewTreeAfterTheNextCycleWithoutRenewing) {
 TEST_F(PollingTest, DaemonAwayAndBackKeepsTheLastProgress) {
     StartPolling(OneDrive(10));
     Cycles(1);
-    m_pSim.reset();
+    Daemon().SetRestServerUp(false);
     ServeTree(OneDrive(20));
     std::string away = Cycles(3);
     // After the first wait every fetch failed: no comparison, no SMART clock.
     away = away.substr(away.find(kWait) + 1);
     EXPECT_FALSE(Has(away, kChanged));
     EXPECT_FALSE(Has(away, "\nEM_TLRAID::StorageDeviceTreePolling - [SMART Logs]"));
-    StartSimulator();
+    Daemon().SetRestServerUp(true);
     Cycles(2);
     EXPECT_EQ(Count(m_sTrace, kChanged), 1u);
     EXPECT_TRUE(Has(m_sTrace, std::string(kChanged) + "[10 -> 20] 'Ctrl A0L0'"));
@@ -254,7 +248,6 @@ TEST_F(PollingTest, FaultInACycleIsCaughtAndForgetsTheLastProgress) {
 
 TEST_F(PollingTest, StopDuringTheWaitEndsTheThreadAtOnce) {
     ServeTree(OneDrive(-1));
-    StartSimulator();
     RaidTimings timings = FastTimings();
     timings.nPollIntervalMs = 60000;
     timings.nStopPollEndedWaitMs = 30000;

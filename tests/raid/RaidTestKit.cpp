@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "support/Process.h"
+#include "support/SandboxHost.h"
 
 void FakeSwitch::Answer(uint32_t oc, const std::string& replyJson) {
     std::lock_guard<std::mutex> lock(m_Mutex);
@@ -47,6 +48,16 @@ std::vector<std::string> FakeSwitch::Requests() {
     return m_Requests;
 }
 
+bool WaitUntil(const std::function<bool()>& condition, int capMs) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(capMs);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() >= end)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
 RaidTimings FastTimings() {
     RaidTimings t;
     t.nStartDetectWaitMs = 40;
@@ -72,33 +83,15 @@ std::string SampleTree(const std::string& name) {
     return ReadWholeFile(SourcePath("samples/trees/" + name));
 }
 
-void RaidModuleTest::SetUp() {
-    ASSERT_TRUE(sandbox_host::Inside()) << "run this test through build/sandbox";
-    m_sTreePath = m_Dir.Path() + "/tree.xml";
-    m_sControlPath = m_Dir.Path() + "/control.json";
-    m_sLogPath = m_Dir.Path() + "/requests.jsonl";
-    ReplaceFile(m_sTreePath, "");
-    sandbox_host::SetInstalled(false);
-    sandbox_host::SetRunning(false);
-}
-
 void RaidModuleTest::TearDown() {
     if (m_pModule && m_bStarted)
         m_pModule->Stop();
     m_pModule.reset();
-    m_pSim.reset();
 }
 
 void RaidModuleTest::ServeSample(const std::string& sampleName) {
     ServeTree(SampleTree(sampleName));
-    sandbox_host::SetInstalled(true);
-    sandbox_host::SetRunning(true);
-    StartSimulator();
-}
-
-void RaidModuleTest::StartSimulator() {
-    m_pSim = std::make_unique<SimProcess>(m_sTreePath, m_sControlPath, m_sLogPath);
-    ASSERT_TRUE(m_pSim->Ready()) << "the simulator did not start";
+    m_pDaemon->SetUp(true);
 }
 
 EM_TLRAID& RaidModuleTest::MakeModule(bool start) {
@@ -107,19 +100,12 @@ EM_TLRAID& RaidModuleTest::MakeModule(bool start) {
 
 EM_TLRAID& RaidModuleTest::MakeModule(const RaidTimings& timings, const PollingClock& clock,
                                       bool start) {
-    m_pModule = std::make_unique<EM_TLRAID>(timings, TLRAIDRestClientSettings(), clock);
+    m_pModule = std::make_unique<EM_TLRAID>(timings, m_pDaemon, clock);
     if (start) {
         m_pModule->Start(&m_Switch, 0);
         m_bStarted = true;
     }
     return *m_pModule;
-}
-
-size_t RaidModuleTest::WaitForTreeRequests(size_t count, int timeoutMs) const {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
-    while (TreeRequests() < count && std::chrono::steady_clock::now() < end)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return TreeRequests();
 }
 
 std::unique_ptr<CommandRecord> RaidModuleTest::Ask(uint32_t oc, uint32_t oe, uint32_t oi,

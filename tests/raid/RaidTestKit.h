@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -13,8 +14,7 @@
 #include "raid/EM_TLRAID.h"
 #include "rest/RestConstants.h"
 #include "storage/TLRaidData.h"
-#include "support/SandboxHost.h"
-#include "support/TempDir.h"
+#include "support/FakeRaidDaemon.h"
 
 // A switch that keeps the requests and events it gets and answers requests by object code.
 class FakeSwitch : public ISwitch {
@@ -41,26 +41,21 @@ class FakeSwitch : public ISwitch {
     uint32_t m_nLastTimeout = 0;
 };
 
+// Asks the condition again and again until it holds or the cap is over; gives its last answer.
+bool WaitUntil(const std::function<bool()>& condition, int capMs = 20000);
+
 // Waits, tries and time-outs short enough for tests.
 RaidTimings FastTimings();
 
-// A module in the sandbox's host, with the simulator serving a tree file that the test may
-// replace, and the fault control file of the simulator.
+// A module against a RAID manager in memory, which serves a tree that the test may replace.
 class RaidModuleTest : public ::testing::Test {
   protected:
-    void SetUp() override;
     void TearDown() override;
 
-    // The RAID manager installed and running, the simulator serving this sample tree.
+    // The RAID manager installed, running and up, serving this sample tree.
     void ServeSample(const std::string& sampleName);
-    // Starts the simulator on the current tree file (and control file).
-    void StartSimulator();
-    void ServeTree(const std::string& xml) { ReplaceFile(m_sTreePath, xml); }
-    void SetFaults(const std::string& controlJson) { ReplaceFile(m_sControlPath, controlJson); }
-    size_t TreeRequests() const { return m_pSim ? m_pSim->Requests(tlr_rest::kSdtEndpoint) : 0; }
-    // Waits until the simulator has had this many tree requests, or the time is over; gives
-    // the number it had.
-    size_t WaitForTreeRequests(size_t count, int timeoutMs = 5000) const;
+    void ServeTree(const std::string& xml) { m_pDaemon->Serve(xml); }
+    FakeRaidDaemon& Daemon() { return *m_pDaemon; }
 
     // A new module with the test timings, started on the fake switch unless told otherwise.
     EM_TLRAID& MakeModule(bool start = true);
@@ -72,11 +67,7 @@ class RaidModuleTest : public ::testing::Test {
     std::string Answer(uint32_t oc, uint32_t oe = 0, uint32_t oi = 0, uint32_t ci = 1,
                        const std::string& daJson = "");
 
-    TempDir m_Dir;
-    std::string m_sTreePath;
-    std::string m_sControlPath;
-    std::string m_sLogPath;
-    std::unique_ptr<SimProcess> m_pSim;
+    std::shared_ptr<FakeRaidDaemon> m_pDaemon = std::make_shared<FakeRaidDaemon>();
     FakeSwitch m_Switch;
     std::unique_ptr<EM_TLRAID> m_pModule;
     bool m_bStarted = false;

@@ -50,11 +50,8 @@ constexpr char kTree[] = R"(<?xml version="1.0"?>
 class RequestTableTest : public RaidModuleTest {
   protected:
     void SetUp() override {
-        RaidModuleTest::SetUp();
         ServeTree(kTree);
-        sandbox_host::SetInstalled(true);
-        sandbox_host::SetRunning(true);
-        StartSimulator();
+        Daemon().SetUp(true);
         MakeModule(false);
     }
 };
@@ -273,7 +270,7 @@ TEST_F(RequestTableTest, RecordsForAnotherCabinetAreNotReadHere) {
     record.SetJson(R"({"SIP":{"CMD":[{"OC":8464,"CA":800,"CI":1}]}})");
     EXPECT_EQ(m_pModule->ModuleRequest(&record), 0u);
     EXPECT_EQ(record.GetField("ST", 0), 20u);
-    EXPECT_EQ(TreeRequests(), 0u);
+    EXPECT_EQ(Daemon().Fetches(), 0u);
 }
 
 TEST_F(RequestTableTest, RequestsAreTracedInAndOut) {

@@ -16,11 +16,8 @@ std::string TreeWithAdapters(int adapters) {
 class SnapshotTest : public RaidModuleTest {
   protected:
     void SetUp() override {
-        RaidModuleTest::SetUp();
         ServeTree(TreeWithAdapters(2));
-        sandbox_host::SetInstalled(true);
-        sandbox_host::SetRunning(true);
-        StartSimulator();
+        Daemon().SetUp(true);
         MakeModule(false);
     }
     std::string Count(uint32_t ci) { return Answer(0x2110, 0, 0, ci); }
@@ -31,7 +28,7 @@ TEST_F(SnapshotTest, EachClientKeepsItsTreeUntilItAsksForANewOne) {
     ServeTree(TreeWithAdapters(3));
     EXPECT_EQ(Count(1), R"({"ST":0,"DA":2})");
     EXPECT_EQ(Count(2), R"({"ST":0,"DA":3})");
-    EXPECT_EQ(TreeRequests(), 2u);
+    EXPECT_EQ(Daemon().Fetches(), 2u);
 
     EXPECT_EQ(Answer(0x21DF, 0, 0, 1), R"({"ST":0})");
     EXPECT_EQ(Count(1), R"({"ST":0,"DA":3})");
@@ -50,12 +47,12 @@ TEST_F(SnapshotTest, DetachedClientGetsAFreshTreeNextTime) {
 }
 
 TEST_F(SnapshotTest, FailedFirstFetchIsNotRetried) {
-    SetFaults(R"({"sdt":{"body":"not json"}})");
+    Daemon().Fail();
     EXPECT_EQ(Count(5), R"({"ST":19})");
-    EXPECT_EQ(TreeRequests(), 1u);
-    SetFaults("{}");
+    EXPECT_EQ(Daemon().Fetches(), 1u);
+    ServeTree(TreeWithAdapters(2));
     EXPECT_EQ(Count(5), R"({"ST":19})");
-    EXPECT_EQ(TreeRequests(), 1u);
+    EXPECT_EQ(Daemon().Fetches(), 1u);
     // A renewal makes the client whole again.
     EXPECT_EQ(Answer(0x21DF, 0, 0, 5), R"({"ST":0})");
     EXPECT_EQ(Count(5), R"({"ST":0,"DA":2})");
@@ -64,13 +61,13 @@ TEST_F(SnapshotTest, FailedFirstFetchIsNotRetried) {
 TEST_F(SnapshotTest, InvalidTreeIsFetchedForEveryTryThenKept) {
     ServeTree("<amEMTL Version=\"1\"/>");
     EXPECT_EQ(Count(6), R"({"ST":19})");
-    EXPECT_EQ(TreeRequests(), 3u);
+    EXPECT_EQ(Daemon().Fetches(), 3u);
     EXPECT_EQ(Count(6), R"({"ST":19})");
-    EXPECT_EQ(TreeRequests(), 3u);
+    EXPECT_EQ(Daemon().Fetches(), 3u);
 }
 
 TEST_F(SnapshotTest, RenewalThatFailsAnswersSixAndLeavesAnEntry) {
-    SetFaults(R"({"sdt":{"body":""}})");
+    Daemon().Fail();
     EXPECT_EQ(Answer(0x21DF, 0, 0, 8), R"({"ST":6})");
     EXPECT_EQ(m_pModule->SnapshotCount(), 1u);
     EXPECT_EQ(Count(8), R"({"ST":19})");

@@ -1,4 +1,4 @@
-// Start and stop of the module against the sandbox's host: installation, service, first
+// Start and stop of the module: installation, service, first
 // valid tree, the wait thread and the polling thread.
 #include <chrono>
 #include <thread>
@@ -49,9 +49,10 @@ TEST_F(StartupTest, ServiceUpGivesTheFirstTreeAndStartsPolling) {
     EXPECT_TRUE(Has(t, "\nEM_TLRAID           : Got valid TLRAID response"));
     EXPECT_TRUE(Has(t, "Qualifier = (_StorageDeviceTreePollingThread)"));
     EXPECT_TRUE(Has(t, "\n\n### Start of module EM_TLRAID completed successfully ###"));
-    // One tree for the probe, one for the first valid response, and the polling thread's
+    // The probe, then a tree for the first valid response and one for the polling thread's
     // first cycle, which comes at once.
-    EXPECT_EQ(WaitForTreeRequests(3), 3u);
+    EXPECT_EQ(Daemon().Probes(), 1u);
+    EXPECT_EQ(Daemon().WaitForFetches(2), 2u);
 
     EXPECT_EQ(module.Stop(), 1);
     t = Debug.Take();
@@ -75,10 +76,9 @@ TEST_F(StartupTest, NotInstalledStaysIdle) {
 
 TEST_F(StartupTest, WaitThreadFindsTheServiceWhenItComes) {
     ScopedTraceLevel trace(3);
-    sandbox_host::SetInstalled(true);
     ServeTree(SampleTree("demo.xml"));
+    Daemon().SetInstalled(true);
     EM_TLRAID& module = MakeModule(false);
-    auto started = Clock::now();
     EXPECT_EQ(module.Start(&m_Switch, 0), 1);
     m_bStarted = true;
     std::string t = Debug.Take();
@@ -87,25 +87,24 @@ TEST_F(StartupTest, WaitThreadFindsTheServiceWhenItComes) {
     // The first wait is free, nine more of 40 ms follow; then the wait thread goes on alone.
     std::string beforeThread = t.substr(0, t.find("_WaitForTLRaidStartThread"));
     EXPECT_EQ(Count(beforeThread, "TL RAID service NOT running"), 10u);
-    EXPECT_LT(Clock::now() - started, std::chrono::seconds(5));
 
-    sandbox_host::SetRunning(true);
-    StartSimulator();
+    Daemon().SetRunning(true);
+    Daemon().SetRestServerUp(true);
     t = TraceUntil("StorageDeviceTreePolling - Thread started.", 10000);
     EXPECT_TRUE(Has(t, "WaitForTLRaidStart_Thread TLRAID service running"));
     EXPECT_TRUE(Has(t, "Got valid TLRAID response"));
     EXPECT_EQ(Answer(0x2110), "{\"ST\":0,\"DA\":2}");
 }
 
-TEST_F(StartupTest, PidFileWithoutTheDaemonsPortCountsATry) {
-    ScopedTraceLevel trace(4);
+TEST_F(StartupTest, ServiceWithoutItsRestServerCountsATry) {
+    ScopedTraceLevel trace(2);
     ServeSample("demo.xml");
-    sandbox_host::SetLsof("tlrcd 2101 root 12 127.0.0.1 SOCKET_INET 0 TCP 127.0.0.1:443\n");
+    Daemon().SetRestServerUp(false);
     EM_TLRAID& module = MakeModule(false);
     EXPECT_FALSE(module.DetectTLRaid(10, 3));
-    std::string t = Debug.Take();
-    EXPECT_EQ(Count(t, "TLRCD REST server NOT running"), 3u);
-    EXPECT_EQ(TreeRequests(), 0u);
+    EXPECT_EQ(Count(Debug.Take(), "TL RAID service running"), 3u);
+    EXPECT_EQ(Daemon().Probes(), 3u);
+    EXPECT_EQ(Daemon().Fetches(), 0u);
 }
 
 TEST_F(StartupTest, TreeThatStaysInvalidIsAskedForEveryTry) {
@@ -116,8 +115,8 @@ TEST_F(StartupTest, TreeThatStaysInvalidIsAskedForEveryTry) {
     m_bStarted = true;
     std::string t = Debug.Take();
     EXPECT_EQ(Count(t, "Got invalid TLRAID response"), 5u);
-    // The probe, the five tries, and the polling thread's first cycle.
-    EXPECT_EQ(WaitForTreeRequests(1u + 5u + 1u), 1u + 5u + 1u);
+    // The five tries, and the polling thread's first cycle.
+    EXPECT_EQ(Daemon().WaitForFetches(5u + 1u), 5u + 1u);
     // The polling thread runs all the same.
     t += TraceUntil("StorageDeviceTreePolling - Thread started.", 5000);
     EXPECT_TRUE(Has(t, "StorageDeviceTreePolling - Thread started."));
@@ -125,11 +124,11 @@ TEST_F(StartupTest, TreeThatStaysInvalidIsAskedForEveryTry) {
 
 TEST_F(StartupTest, FailedRequestEndsTheFirstWaitAtOnce) {
     ServeSample("mux-not-operational.xml");
-    SetFaults("{\"sdt\":{\"body\":\"not json\"}}");
+    Daemon().Fail();
     EM_TLRAID& module = MakeModule(false);
     EXPECT_FALSE(module.InitializeAfterTLRaidStart());
     m_bStarted = true;  // the polling thread was started, and asks at once as well
-    EXPECT_EQ(WaitForTreeRequests(2), 2u);
+    EXPECT_EQ(Daemon().WaitForFetches(2), 2u);
 }
 
 TEST_F(StartupTest, ShutdownBeforeStartMakesDetectionGiveUp) {
@@ -142,7 +141,7 @@ TEST_F(StartupTest, ShutdownBeforeStartMakesDetectionGiveUp) {
     std::string t = Debug.Take();
     EXPECT_TRUE(Has(t, "DetectTLRaid exiting bSuccess false"));
     EXPECT_TRUE(Has(t, "Qualifier = (_WaitForTLRaidStartThread)"));
-    EXPECT_EQ(TreeRequests(), 0u);
+    EXPECT_EQ(Daemon().Probes() + Daemon().Fetches(), 0u);
 }
 
 TEST_F(StartupTest, StopWaitsItsFullTimeEvenWithoutAService) {

@@ -1,14 +1,10 @@
 // The rows on the tree as a whole: export, path question, adapter by device id, the raw tree,
 // the Redfish pass-through and the test attribute, with the statuses that set them apart
 // from the object rows.
-#include <rapidjson/document.h>
-
-#include <cstdio>
-#include <sstream>
-
 #include "RaidTestKit.h"
 #include "support/CaptureTraceServer.h"
 #include "support/Process.h"
+#include "support/SandboxHost.h"
 
 namespace {
 
@@ -30,7 +26,6 @@ std::string Quoted(const std::string& text) {
 class TreeRowsTest : public RaidModuleTest {
   protected:
     void SetUp() override {
-        RaidModuleTest::SetUp();
         ServeSample("batteries.xml");
         MakeModule(false);
     }
@@ -43,18 +38,7 @@ class TreeRowsTest : public RaidModuleTest {
         record->GetDataString(0, text, 0);
         return text;
     }
-    // The bodies that reached the daemon's Redfish endpoint, in order.
-    std::vector<std::string> RedfishBodies() {
-        std::vector<std::string> bodies;
-        for (const std::string& line : Lines(ReadWholeFile(m_sLogPath))) {
-            rapidjson::Document entry;
-            entry.Parse(line.c_str());
-            if (entry.IsObject() &&
-                std::string(entry["path"].GetString()).find("redfishOp") != std::string::npos)
-                bodies.push_back(entry["body"].GetString());
-        }
-        return bodies;
-    }
+    std::vector<std::string> RedfishBodies() { return Daemon().RedfishBodies(); }
 };
 
 TEST_F(TreeRowsTest, ExportGivesTheSampleInBothForms) {
@@ -68,7 +52,7 @@ TEST_F(TreeRowsTest, ExportGivesTheSampleInBothForms) {
 TEST_F(TreeRowsTest, ExportSelectorAndMissingTree) {
     // An unknown form is refused before any snapshot is fetched.
     EXPECT_EQ(Answer(0x21D0, 2, 0, 5), R"({"ST":1})");
-    EXPECT_EQ(TreeRequests(), 0u);
+    EXPECT_EQ(Daemon().Fetches(), 0u);
     ServeTree("<notATree/>");
     EXPECT_EQ(Answer(0x21D0, 0, 0, 6), R"({"ST":19})");
     EXPECT_EQ(Answer(0x21D0, 1, 0, 6), R"({"ST":19})");
@@ -151,21 +135,21 @@ TEST_F(TreeRowsTest, RawTreeIsCleanedOfControlCharacters) {
     ServeTree("<amEMTL><Name>\x07</Name>");
     EXPECT_EQ(Text(0xF020, 0, 1, st), "<amEMTL><Name>\x07</Name>");
     EXPECT_EQ(st, 0u);
-    EXPECT_EQ(TreeRequests(), 2u);
-    m_pSim.reset();
+    EXPECT_EQ(Daemon().Fetches(), 2u);
+    Daemon().SetRestServerUp(false);
     EXPECT_EQ(Answer(0xF020), R"({"ST":6})");
 }
 
-TEST_F(TreeRowsTest, RedfishBodyGoesOutWithoutBackslashesAndTheReplyComesBack) {
+TEST_F(TreeRowsTest, RedfishBodyGoesToTheDaemonAndTheReplyComesBack) {
     ScopedTraceLevel trace(3);
-    SetFaults(R"({"redfishOp":{"body":"{\"@odata.id\":\"/redfish/v1/Systems\"}"}})");
+    Daemon().SetRedfishReply(R"({"@odata.id":"/redfish/v1/Systems"})");
     const std::string body = R"({\"Method\":\"GET\",\"Path\":\"C:\\dir\"})";
     uint32_t st = 99;
     EXPECT_EQ(Text(0x21D1, 0, 1, st, Quoted(body)), R"({"@odata.id":"/redfish/v1/Systems"})");
     EXPECT_EQ(st, 0u);
     std::vector<std::string> bodies = RedfishBodies();
     ASSERT_EQ(bodies.size(), 1u);
-    EXPECT_EQ(bodies[0], R"({"Method":"GET","Path":"C:dir"})");
+    EXPECT_EQ(bodies[0], body);
     std::string t = Debug.Take();
     EXPECT_NE(t.find("\nTLRAIDRedfishClient    : RaidRedfishRequest"), std::string::npos);
     EXPECT_NE(t.find("\nTLRAIDRestClient    : RaidRedfishRequest [" + body + "]"),
@@ -175,7 +159,7 @@ TEST_F(TreeRowsTest, RedfishBodyGoesOutWithoutBackslashesAndTheReplyComesBack) {
     EXPECT_EQ(Answer(0x21D1), R"({"ST":19})");
     EXPECT_EQ(RedfishBodies().size(), 1u);
     // Whatever the daemon does, the client gets its reply: here an empty one.
-    m_pSim.reset();
+    Daemon().SetRestServerUp(false);
     EXPECT_EQ(Answer(0x21D1, 0, 0, 1, R"("{}")"), R"({"ST":0,"DA":""})");
 }
 

@@ -17,7 +17,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "raid/RaidSettings.h"
+#include "rest/DaemonHost.h"
 #include "rest/RestConstants.h"
 #include "support/Process.h"
 

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string>
 
-#include "raid/RaidSettings.h"
+#include "rest/DaemonHost.h"
 #include "rest/RestConstants.h"
 #include "runtime/DebugClient.h"
 
