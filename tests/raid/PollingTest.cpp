@@ -106,7 +106,7 @@ class PollingTest : public RaidModuleTest {
     // traced meanwhile, and keeps it in m_sTrace.
     std::string Cycles(size_t n) {
         std::string seen;
-        const auto end = Clock::now() + std::chrono::seconds(10);
+        const auto end = Clock::now() + std::chrono::seconds(60);
         while (Count(seen, kWait) < n && Clock::now() < end) {
             seen += Debug.Take();
             std::this_thread::sleep_for(std::chrono::milliseconds(5));

@@ -90,7 +90,7 @@ TEST_F(StartupTest, WaitThreadFindsTheServiceWhenItComes) {
 
     Daemon().SetRunning(true);
     Daemon().SetRestServerUp(true);
-    t = TraceUntil("StorageDeviceTreePolling - Thread started.", 10000);
+    t = TraceUntil("StorageDeviceTreePolling - Thread started.", 60000);
     EXPECT_TRUE(Has(t, "WaitForTLRaidStart_Thread TLRAID service running"));
     EXPECT_TRUE(Has(t, "Got valid TLRAID response"));
     EXPECT_EQ(Answer(0x2110), "{\"ST\":0,\"DA\":2}");
@@ -118,7 +118,7 @@ TEST_F(StartupTest, TreeThatStaysInvalidIsAskedForEveryTry) {
     // The five tries, and the polling thread's first cycle.
     EXPECT_EQ(Daemon().WaitForFetches(5u + 1u), 5u + 1u);
     // The polling thread runs all the same.
-    t += TraceUntil("StorageDeviceTreePolling - Thread started.", 5000);
+    t += TraceUntil("StorageDeviceTreePolling - Thread started.", 60000);
     EXPECT_TRUE(Has(t, "StorageDeviceTreePolling - Thread started."));
 }
 
