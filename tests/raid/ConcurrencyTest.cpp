@@ -61,8 +61,8 @@ TEST_F(ConcurrencyTest, ServiceThatComesWhileRequestsArrive) {
     // while requests for the server and its cabinets come in; then the polling thread reads
     // the tree, cycle after cycle, beside them and beside renewals.
     ServeSample("cabinets.xml");
-    Daemon().SetRunning(false);
-    Daemon().SetRestServerUp(false);
+    Daemon().running = false;
+    Daemon().restServerUp = false;
     RaidTimings timings = FastTimings();
     timings.nPollIntervalMs = 50;
     EM_TLRAID& module = MakeModule(timings, PollingClock(), false);
@@ -91,8 +91,8 @@ TEST_F(ConcurrencyTest, ServiceThatComesWhileRequestsArrive) {
             }
         });
     }
-    Daemon().SetRunning(true);
-    Daemon().SetRestServerUp(true);
+    Daemon().running = true;
+    Daemon().restServerUp = true;
     const char kCabinetAnswer[] = "{\"ST\":0,\"DA\":{\"RAW\":[32,3,33,3]}}";
     EXPECT_TRUE(WaitUntil([&] { return Answer(0x0220) == kCabinetAnswer; }));
     const size_t kMoreFetches = Daemon().Fetches() + 12;

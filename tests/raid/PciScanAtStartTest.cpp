@@ -24,7 +24,7 @@ TEST_F(PciScanAtStart, BetweenDetectionAndTheFirstTree) {
 
 TEST_F(PciScanAtStart, NotWithoutTheService) {
     ScopedTraceLevel trace(5);
-    Daemon().SetInstalled(true);
+    Daemon().installed = true;
     EXPECT_EQ(MakeModule(false).Start(&m_Switch, 0), 1);
     m_bStarted = true;
     EXPECT_EQ(Debug.Take().find("PCI PARSER"), std::string::npos);

@@ -194,14 +194,14 @@ TEST_F(PollingTest, ClientSeesTheNewTreeAfterTheNextCycleWithoutRenewing) {
 TEST_F(PollingTest, DaemonAwayAndBackKeepsTheLastProgress) {
     StartPolling(OneDrive(10));
     Cycles(1);
-    Daemon().SetRestServerUp(false);
+    Daemon().restServerUp = false;
     ServeTree(OneDrive(20));
     std::string away = Cycles(3);
     // After the first wait every fetch failed: no comparison, no SMART clock.
     away = away.substr(away.find(kWait) + 1);
     EXPECT_FALSE(Has(away, kChanged));
     EXPECT_FALSE(Has(away, "\nEM_TLRAID::StorageDeviceTreePolling - [SMART Logs]"));
-    Daemon().SetRestServerUp(true);
+    Daemon().restServerUp = true;
     Cycles(2);
     EXPECT_EQ(Count(m_sTrace, kChanged), 1u);
     EXPECT_TRUE(Has(m_sTrace, std::string(kChanged) + "[10 -> 20] 'Ctrl A0L0'"));

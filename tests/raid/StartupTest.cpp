@@ -1,5 +1,6 @@
 // Start and stop of the module: installation, service, first
 // valid tree, the wait thread and the polling thread.
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -51,7 +52,7 @@ TEST_F(StartupTest, ServiceUpGivesTheFirstTreeAndStartsPolling) {
     EXPECT_TRUE(Has(t, "\n\n### Start of module EM_TLRAID completed successfully ###"));
     // The probe, then a tree for the first valid response and one for the polling thread's
     // first cycle, which comes at once.
-    EXPECT_EQ(Daemon().Probes(), 1u);
+    EXPECT_EQ(Daemon().probes, 1u);
     EXPECT_EQ(Daemon().WaitForFetches(2), 2u);
 
     EXPECT_EQ(module.Stop(), 1);
@@ -77,7 +78,7 @@ TEST_F(StartupTest, NotInstalledStaysIdle) {
 TEST_F(StartupTest, WaitThreadFindsTheServiceWhenItComes) {
     ScopedTraceLevel trace(3);
     ServeTree(SampleTree("demo.xml"));
-    Daemon().SetInstalled(true);
+    Daemon().installed = true;
     EM_TLRAID& module = MakeModule(false);
     EXPECT_EQ(module.Start(&m_Switch, 0), 1);
     m_bStarted = true;
@@ -88,8 +89,8 @@ TEST_F(StartupTest, WaitThreadFindsTheServiceWhenItComes) {
     std::string beforeThread = t.substr(0, t.find("_WaitForTLRaidStartThread"));
     EXPECT_EQ(Count(beforeThread, "TL RAID service NOT running"), 10u);
 
-    Daemon().SetRunning(true);
-    Daemon().SetRestServerUp(true);
+    Daemon().running = true;
+    Daemon().restServerUp = true;
     t = TraceUntil("StorageDeviceTreePolling - Thread started.", 60000);
     EXPECT_TRUE(Has(t, "WaitForTLRaidStart_Thread TLRAID service running"));
     EXPECT_TRUE(Has(t, "Got valid TLRAID response"));
@@ -99,11 +100,11 @@ TEST_F(StartupTest, WaitThreadFindsTheServiceWhenItComes) {
 TEST_F(StartupTest, ServiceWithoutItsRestServerCountsATry) {
     ScopedTraceLevel trace(2);
     ServeSample("demo.xml");
-    Daemon().SetRestServerUp(false);
+    Daemon().restServerUp = false;
     EM_TLRAID& module = MakeModule(false);
     EXPECT_FALSE(module.DetectTLRaid(10, 3));
     EXPECT_EQ(Count(Debug.Take(), "TL RAID service running"), 3u);
-    EXPECT_EQ(Daemon().Probes(), 3u);
+    EXPECT_EQ(Daemon().probes, 3u);
     EXPECT_EQ(Daemon().Fetches(), 0u);
 }
 
@@ -118,7 +119,8 @@ TEST_F(StartupTest, TreeThatStaysInvalidIsAskedForEveryTry) {
     // The five tries, and the polling thread's first cycle.
     EXPECT_EQ(Daemon().WaitForFetches(5u + 1u), 5u + 1u);
     // The polling thread runs all the same.
-    t += TraceUntil("StorageDeviceTreePolling - Thread started.", 60000);
+    if (!Has(t, "StorageDeviceTreePolling - Thread started."))
+        t += TraceUntil("StorageDeviceTreePolling - Thread started.", 60000);
     EXPECT_TRUE(Has(t, "StorageDeviceTreePolling - Thread started."));
 }
 
@@ -141,7 +143,53 @@ TEST_F(StartupTest, ShutdownBeforeStartMakesDetectionGiveUp) {
     std::string t = Debug.Take();
     EXPECT_TRUE(Has(t, "DetectTLRaid exiting bSuccess false"));
     EXPECT_TRUE(Has(t, "Qualifier = (_WaitForTLRaidStartThread)"));
-    EXPECT_EQ(Daemon().Probes() + Daemon().Fetches(), 0u);
+    EXPECT_EQ(Daemon().probes + Daemon().Fetches(), 0u);
+}
+
+TEST_F(StartupTest, EveryRoadToTheDaemonHasItsOwnTimeOut) {
+    // The shipped waits and tries.
+    const RaidTimings shipped;
+    const uint32_t values[] = {shipped.nStartDetectWaitMs,
+                               shipped.nStartDetectTries,
+                               shipped.nThreadDetectWaitMs,
+                               shipped.nThreadDetectTries,
+                               shipped.nProbeTimeoutSec,
+                               shipped.nInitTries,
+                               shipped.nInitWaitMs,
+                               shipped.nInitTimeoutSec,
+                               shipped.nStopPollEndedWaitMs,
+                               shipped.nStopWaitMs,
+                               shipped.nSnapshotTries,
+                               shipped.nSnapshotTimeoutSec,
+                               shipped.nSnapshotRetrySleepSec,
+                               shipped.nSwitchRequestTimeoutMs,
+                               shipped.nSwitchStartedTreeTimeoutSec,
+                               shipped.nPollIntervalMs,
+                               shipped.nPollTimeoutSec,
+                               shipped.nRequestTreeTimeoutSec};
+    const std::vector<uint32_t> expected = {15000, 10, 10000, 10, 10,   180, 1000,  30, 10000,
+                                            10000, 10, 8,     1,  5000, 30,  15000, 5,  5};
+    EXPECT_EQ(std::vector<uint32_t>(std::begin(values), std::end(values)), expected);
+
+    // Each road with a time-out of its own, to tell them apart.
+    RaidTimings timings = FastTimings();
+    timings.nProbeTimeoutSec = 41;
+    timings.nInitTimeoutSec = 42;
+    timings.nPollTimeoutSec = 43;
+    timings.nSnapshotTimeoutSec = 44;
+    timings.nSwitchStartedTreeTimeoutSec = 45;
+    timings.nRequestTreeTimeoutSec = 46;
+    ServeSample("demo.xml");
+    EM_TLRAID& module = MakeModule(timings, PollingClock(), true);
+    Daemon().WaitForFetches(2);
+    Answer(0x2110);
+    module.OnSwitchStarted();
+    Answer(0xF020);
+    Answer(0x21D1, 0, 0, 1, R"("{}")");
+    const std::vector<std::string> calls = Daemon().Calls();
+    for (const char* call :
+         {"probe 41", "fetch 42", "fetch 43", "fetch 44", "fetch 45", "fetch 46", "redfish 0"})
+        EXPECT_EQ(std::count(calls.begin(), calls.end(), call), 1) << call;
 }
 
 TEST_F(StartupTest, StopWaitsItsFullTimeEvenWithoutAService) {

@@ -136,7 +136,7 @@ TEST_F(TreeRowsTest, RawTreeIsCleanedOfControlCharacters) {
     EXPECT_EQ(Text(0xF020, 0, 1, st), "<amEMTL><Name>\x07</Name>");
     EXPECT_EQ(st, 0u);
     EXPECT_EQ(Daemon().Fetches(), 2u);
-    Daemon().SetRestServerUp(false);
+    Daemon().restServerUp = false;
     EXPECT_EQ(Answer(0xF020), R"({"ST":6})");
 }
 
@@ -159,7 +159,7 @@ TEST_F(TreeRowsTest, RedfishBodyGoesToTheDaemonAndTheReplyComesBack) {
     EXPECT_EQ(Answer(0x21D1), R"({"ST":19})");
     EXPECT_EQ(RedfishBodies().size(), 1u);
     // Whatever the daemon does, the client gets its reply: here an empty one.
-    Daemon().SetRestServerUp(false);
+    Daemon().restServerUp = false;
     EXPECT_EQ(Answer(0x21D1, 0, 0, 1, R"("{}")"), R"({"ST":0,"DA":""})");
 }
 

@@ -3,30 +3,9 @@
 #include <algorithm>
 #include <chrono>
 
-void FakeRaidDaemon::SetUp(bool up) {
-    SetInstalled(up);
-    SetRunning(up);
-    SetRestServerUp(up);
-}
-
-void FakeRaidDaemon::SetInstalled(bool installed) {
-    std::lock_guard<std::mutex> lock(m_Mutex);
-    m_bInstalled = installed;
-}
-
-void FakeRaidDaemon::SetRunning(bool running) {
-    std::lock_guard<std::mutex> lock(m_Mutex);
-    m_bRunning = running;
-}
-
-void FakeRaidDaemon::SetRestServerUp(bool up) {
-    std::lock_guard<std::mutex> lock(m_Mutex);
-    m_bRestServerUp = up;
-}
-
 void FakeRaidDaemon::ServeInTurn(std::vector<Reply> replies) {
     std::lock_guard<std::mutex> lock(m_Mutex);
-    m_Replies = replies.empty() ? std::vector<Reply>{Failure()} : std::move(replies);
+    m_Replies = replies.empty() ? std::vector<Reply>{Reply()} : std::move(replies);
     m_nNext = 0;
 }
 
@@ -51,14 +30,9 @@ size_t FakeRaidDaemon::Fetches() {
     return m_nFetches;
 }
 
-size_t FakeRaidDaemon::Probes() {
+std::vector<std::string> FakeRaidDaemon::Calls() {
     std::lock_guard<std::mutex> lock(m_Mutex);
-    return m_nProbes;
-}
-
-uint32_t FakeRaidDaemon::LastFetchTimeout() {
-    std::lock_guard<std::mutex> lock(m_Mutex);
-    return m_nLastTimeout;
+    return m_Calls;
 }
 
 std::vector<std::string> FakeRaidDaemon::RedfishBodies() {
@@ -78,20 +52,11 @@ bool FakeRaidDaemon::WaitForHeldFetch(int capMs) {
                               [&] { return m_nHeldWaiting > 0; });
 }
 
-bool FakeRaidDaemon::IsInstalled() {
+bool FakeRaidDaemon::ProbeRestServer(uint32_t timeoutSec) {
+    ++probes;
     std::lock_guard<std::mutex> lock(m_Mutex);
-    return m_bInstalled;
-}
-
-bool FakeRaidDaemon::IsServiceRunning() {
-    std::lock_guard<std::mutex> lock(m_Mutex);
-    return m_bRunning;
-}
-
-bool FakeRaidDaemon::ProbeRestServer(uint32_t) {
-    std::lock_guard<std::mutex> lock(m_Mutex);
-    ++m_nProbes;
-    return m_bRestServerUp && m_Replies[std::min(m_nNext, m_Replies.size() - 1)].bOk;
+    m_Calls.push_back("probe " + std::to_string(timeoutSec));
+    return restServerUp && Current().bOk;
 }
 
 bool FakeRaidDaemon::FetchTree(std::string& xml, uint32_t timeoutSec) {
@@ -103,22 +68,22 @@ bool FakeRaidDaemon::FetchTree(std::string& xml, uint32_t timeoutSec) {
         --m_nHeldWaiting;
     }
     ++m_nFetches;
-    m_nLastTimeout = timeoutSec;
+    m_Calls.push_back("fetch " + std::to_string(timeoutSec));
     m_Changed.notify_all();
-    if (!m_bRestServerUp)
+    if (!restServerUp)
         return false;
-    const Reply& reply = m_Replies[std::min(m_nNext, m_Replies.size() - 1)];
-    if (m_nNext < m_Replies.size())
-        ++m_nNext;
+    const Reply reply = Current();
+    m_nNext = std::min(m_nNext + 1, m_Replies.size());
     if (reply.bOk)
         xml = reply.sXml;
     return reply.bOk;
 }
 
-bool FakeRaidDaemon::PostRedfish(const std::string& body, std::string& reply, uint32_t) {
+bool FakeRaidDaemon::PostRedfish(const std::string& body, std::string& reply, uint32_t timeoutSec) {
     std::lock_guard<std::mutex> lock(m_Mutex);
+    m_Calls.push_back("redfish " + std::to_string(timeoutSec));
     m_RedfishBodies.push_back(body);
-    if (!m_bRestServerUp)
+    if (!restServerUp)
         return false;
     reply = m_sRedfishReply;
     return true;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
@@ -19,17 +20,16 @@ class FakeRaidDaemon : public CIRaidDaemon {
         std::string sXml;
     };
     static Reply Tree(const std::string& xml) { return {true, xml}; }
-    static Reply Failure() { return {}; }
 
     // The manager installed, its service running and its REST daemon up, or none of these.
-    void SetUp(bool up);
-    void SetInstalled(bool installed);
-    void SetRunning(bool running);
-    void SetRestServerUp(bool up);
-    // Every fetch from now on gets this tree.
+    void SetUp(bool up) { installed = running = restServerUp = up; }
+    std::atomic<bool> installed{false};
+    std::atomic<bool> running{false};
+    std::atomic<bool> restServerUp{false};
+
+    // Every fetch from now on gets this tree, or fails.
     void Serve(const std::string& xml) { ServeInTurn({Tree(xml)}); }
-    // Every fetch from now on fails.
-    void Fail() { ServeInTurn({Failure()}); }
+    void Fail() { ServeInTurn({Reply()}); }
     // The next fetches get these replies in turn; the last one stays.
     void ServeInTurn(std::vector<Reply> replies);
     // While held, fetches wait for Release: a daemon that is slow to answer.
@@ -37,34 +37,33 @@ class FakeRaidDaemon : public CIRaidDaemon {
     void Release();
     void SetRedfishReply(const std::string& reply);
 
+    std::atomic<size_t> probes{0};
     size_t Fetches();
-    size_t Probes();
-    uint32_t LastFetchTimeout();
+    // Every call so far with its time-out, in order: "probe 10", "fetch 8", "redfish 0".
+    std::vector<std::string> Calls();
     std::vector<std::string> RedfishBodies();
     // Waits until the daemon has had this many fetches or the cap is over; gives the count.
-    size_t WaitForFetches(size_t count, int capMs = 20000);
+    size_t WaitForFetches(size_t count, int capMs = 60000);
     // Waits until a fetch is held back; false when none came within the cap.
-    bool WaitForHeldFetch(int capMs = 20000);
+    bool WaitForHeldFetch(int capMs = 60000);
 
-    bool IsInstalled() override;
-    bool IsServiceRunning() override;
+    bool IsInstalled() override { return installed; }
+    bool IsServiceRunning() override { return running; }
     bool ProbeRestServer(uint32_t timeoutSec) override;
     bool FetchTree(std::string& xml, uint32_t timeoutSec) override;
     bool PostRedfish(const std::string& body, std::string& reply, uint32_t timeoutSec) override;
 
   private:
+    const Reply& Current() const { return m_Replies[std::min(m_nNext, m_Replies.size() - 1)]; }
+
     std::mutex m_Mutex;
     std::condition_variable m_Changed;
-    bool m_bInstalled = false;
-    bool m_bRunning = false;
-    bool m_bRestServerUp = false;
     bool m_bHeld = false;
     size_t m_nHeldWaiting = 0;
-    std::vector<Reply> m_Replies{Failure()};
+    std::vector<Reply> m_Replies{Reply()};
     size_t m_nNext = 0;
     size_t m_nFetches = 0;
-    size_t m_nProbes = 0;
-    uint32_t m_nLastTimeout = 0;
+    std::vector<std::string> m_Calls;
     std::string m_sRedfishReply;
     std::vector<std::string> m_RedfishBodies;
 };
