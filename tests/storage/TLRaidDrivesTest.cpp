@@ -40,12 +40,7 @@ TEST(TLRaidDataDrives, CountAndOrderOnEveryLayout) {
     const Row rows[] = {
         // Port list: port by port, the port's own drives before those of its enclosures.
         {"port-list.xml", 0, "0,1,16,17,24,2,3,40,48"},
-        {"demo.xml", 0, "0,1,8,9,10,11"},
-        {"demo.xml", 1, "0,1"},
-        {"two-adapters-enclosures.xml", 0, "8,9,16"},
         {"two-adapters-enclosures.xml", 1, "0,1"},
-        {"logical-drives.xml", 0, "0,1,2,3,4,5"},
-        {"smart-drives.xml", 0, "0,1,2,3,4,5,6,7,8,9,10"},
         {"channel-list.xml", 0, "0,1,2,8,9"},
         {"sas-port.xml", 0, "4,5,6"},
         {"sata-port.xml", 0, "0,1"},
