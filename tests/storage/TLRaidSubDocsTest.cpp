@@ -1,5 +1,4 @@
-// Sub-documents of the tree and of an adapter, the PCI address, the property reads and the MDC
-// progress map.
+// Sub-documents of the tree and of an adapter, the property reads and the MDC progress map.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -82,45 +81,6 @@ TEST(TLRaidDataSubDocs, OnlyTheFirstBatteryIsReachable) {
 
     ASSERT_TRUE(tree.GetAdapterData(adapter, 3));  // none
     EXPECT_FALSE(adapter.GetBatteryData(battery, 0));
-}
-
-TEST(TLRaidDataPciAddress, ChildrenAreSearchedForwardInOrder) {
-    struct Row {
-        const char* children;
-        bool result;
-        int bus, device, function, segment;
-    };
-    const Row rows[] = {
-        {"<PCIBus>24</PCIBus><PCIDevice>3</PCIDevice><PCIFunction>1</PCIFunction>"
-         "<PCISegment>2</PCISegment>",
-         true, 24, 3, 1, 2},
-        {"<PCIBus>0</PCIBus><PCIDevice>31</PCIDevice>", true, 0, 31, 0, 0},
-        // The segment before the function is not found behind it.
-        {"<PCIBus>5</PCIBus><PCIDevice>6</PCIDevice><PCISegment>3</PCISegment>"
-         "<PCIFunction>4</PCIFunction>",
-         true, 5, 6, 4, 0},
-        // The device before the bus is not found at all.
-        {"<PCIDevice>6</PCIDevice><PCIBus>5</PCIBus>", false, 9, 9, 9, 9},
-        {"<PCIBus>5</PCIBus>", false, 9, 9, 9, 9},
-        {"<Name>x</Name>", false, 9, 9, 9, 9},
-        // Cut to 8 and 16 bits; text without digits is 0.
-        {"<PCIBus>300</PCIBus><PCIDevice>-1</PCIDevice><PCIFunction>x</PCIFunction>"
-         "<PCISegment>65537</PCISegment>",
-         true, 44, 255, 0, 1},
-    };
-    for (const Row& row : rows) {
-        CTLRaidData adapter;
-        ASSERT_TRUE(
-            adapter.SetDoc("<Adapter Nr=\"0\">" + std::string(row.children) + "</Adapter>"));
-        AdapterPciAddress address;
-        address.nBus = address.nDevice = address.nFunction = 9;
-        address.nSegment = 9;
-        EXPECT_EQ(adapter.GetAdapterPciAddress(address), row.result) << row.children;
-        EXPECT_EQ(address.nBus, row.bus) << row.children;
-        EXPECT_EQ(address.nDevice, row.device) << row.children;
-        EXPECT_EQ(address.nFunction, row.function) << row.children;
-        EXPECT_EQ(address.nSegment, row.segment) << row.children;
-    }
 }
 
 TEST(TLRaidDataProperties, EachReadLooksForItsOwnRoot) {
