@@ -10,41 +10,55 @@
 
 namespace {
 
+// The address read for the PCI address question as "bus.device.function.segment", and the
+// device id; both search the children forward in this order, each in its own code.
 TEST(AdapterDeviceId, FromTheAddress) {
     struct Row {
         const char* children;
-        const char* id;  // null: no id
+        const char* address;  // null: no address
+        const char* id;       // null: no id
     };
     const Row rows[] = {
-        {"<PCIBus>24</PCIBus><PCIDevice>0</PCIDevice><PCIFunction>1</PCIFunction>",
+        {"<PCIBus>24</PCIBus><PCIDevice>0</PCIDevice><PCIFunction>1</PCIFunction>", "24.0.1.0",
          "TYPE_PCI&BUS_24&DEV_0&FUNC_1"},
-        {"<PCIBus>129</PCIBus><PCIDevice>3</PCIDevice><PCISegment>1</PCISegment>",
+        {"<PCIBus>129</PCIBus><PCIDevice>3</PCIDevice><PCISegment>1</PCISegment>", "129.3.0.1",
          "TYPE_PCI&BUS_129&DEV_3&FUNC_0&SEG_1"},
         {"<PCIBus>1</PCIBus><PCIDevice>2</PCIDevice><PCIFunction>3</PCIFunction>"
          "<PCISegment>0</PCISegment>",
-         "TYPE_PCI&BUS_1&DEV_2&FUNC_3"},
-        // The segment is cut to 16 bits, the others to 8.
-        {"<PCIBus>1</PCIBus><PCIDevice>2</PCIDevice><PCISegment>65536</PCISegment>",
+         "1.2.3.0", "TYPE_PCI&BUS_1&DEV_2&FUNC_3"},
+        // The segment before the function is not found behind it.
+        {"<PCIBus>5</PCIBus><PCIDevice>6</PCIDevice><PCISegment>3</PCISegment>"
+         "<PCIFunction>4</PCIFunction>",
+         "5.6.4.0", "TYPE_PCI&BUS_5&DEV_6&FUNC_4"},
+        // The segment is cut to 16 bits, the others to 8; text without digits is 0.
+        {"<PCIBus>1</PCIBus><PCIDevice>2</PCIDevice><PCISegment>65536</PCISegment>", "1.2.0.0",
          "TYPE_PCI&BUS_1&DEV_2&FUNC_0"},
-        {"<PCIBus>1</PCIBus><PCIDevice>2</PCIDevice><PCISegment>65537</PCISegment>",
-         "TYPE_PCI&BUS_1&DEV_2&FUNC_0&SEG_1"},
-        {"<PCIBus>257</PCIBus><PCIDevice>-1</PCIDevice>", "TYPE_PCI&BUS_1&DEV_255&FUNC_0"},
-        {"<PCIBus>x</PCIBus><PCIDevice>07</PCIDevice>", "TYPE_PCI&BUS_0&DEV_7&FUNC_0"},
-        // 255.255.255 is no address; 255.255.0 is one.
+        {"<PCIBus>300</PCIBus><PCIDevice>-1</PCIDevice><PCIFunction>x</PCIFunction>"
+         "<PCISegment>65537</PCISegment>",
+         "44.255.0.1", "TYPE_PCI&BUS_44&DEV_255&FUNC_0&SEG_1"},
+        {"<PCIBus>x</PCIBus><PCIDevice>07</PCIDevice>", "0.7.0.0", "TYPE_PCI&BUS_0&DEV_7&FUNC_0"},
+        // 255.255.255 is no device id, but an address; 255.255.0 is both.
         {"<PCIBus>255</PCIBus><PCIDevice>255</PCIDevice><PCIFunction>255</PCIFunction>"
          "<PCISegment>2</PCISegment>",
-         nullptr},
-        {"<PCIBus>255</PCIBus><PCIDevice>255</PCIDevice><PCIFunction>0</PCIFunction>",
+         "255.255.255.2", nullptr},
+        {"<PCIBus>255</PCIBus><PCIDevice>255</PCIDevice>", "255.255.0.0",
          "TYPE_PCI&BUS_255&DEV_255&FUNC_0"},
-        {"<PCIBus>255</PCIBus><PCIDevice>255</PCIDevice>", "TYPE_PCI&BUS_255&DEV_255&FUNC_0"},
         // Bus and device must be there, in this order.
-        {"<PCIDevice>1</PCIDevice>", nullptr},
-        {"<PCIBus>1</PCIBus>", nullptr},
-        {"<PCIDevice>1</PCIDevice><PCIBus>1</PCIBus>", nullptr},
+        {"<PCIDevice>1</PCIDevice>", nullptr, nullptr},
+        {"<PCIBus>1</PCIBus>", nullptr, nullptr},
+        {"<PCIDevice>1</PCIDevice><PCIBus>1</PCIBus>", nullptr, nullptr},
     };
     for (const Row& row : rows) {
         CTLRaidData adapter;
         adapter.SetDoc(std::string("<Adapter Nr=\"0\">") + row.children + "</Adapter>");
+        AdapterPciAddress a;
+        a.nBus = a.nDevice = a.nFunction = 9;
+        a.nSegment = 9;
+        EXPECT_EQ(adapter.GetAdapterPciAddress(a), row.address != nullptr) << row.children;
+        EXPECT_EQ(std::to_string(a.nBus) + "." + std::to_string(a.nDevice) + "." +
+                      std::to_string(a.nFunction) + "." + std::to_string(a.nSegment),
+                  row.address ? row.address : "9.9.9.9")
+            << row.children;
         std::string id = "untouched";
         EXPECT_EQ(GetAdapterDeviceId(adapter, id), row.id != nullptr) << row.children;
         EXPECT_EQ(id, row.id ? row.id : "untouched") << row.children;

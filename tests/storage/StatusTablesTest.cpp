@@ -1,6 +1,7 @@
 // The getters against their tables: case rules, "contains" rules and defaults.
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -9,9 +10,15 @@
 
 namespace {
 
-// A sub-document of one root with one child holding the word.
+// A sub-document of one root with one child holding the word; a child named "@Type" is the
+// root's Type attribute instead, beside a Type child that must not be read.
 void SetLeaf(CTLRaidData& doc, const std::string& root, const std::string& child,
              const std::string& word) {
+    if (child == "@Type") {
+        ASSERT_TRUE(
+            doc.SetDoc("<" + root + " Type=\"" + word + "\"><Type>SAS</Type></" + root + ">"));
+        return;
+    }
     ASSERT_TRUE(doc.SetDoc("<" + root + " NrOfProperties=\"1\"><" + child + ">" + word + "</" +
                            child + "></" + root + ">"));
 }
@@ -81,120 +88,62 @@ TEST(PhysicalDriveStatusTable, EveryWordGivesIndexCodeComponentAndSmartFlag) {
         CTLRaidData::PhysicalDriveStatusToIndex(row.word, toIndex);
         EXPECT_EQ(toIndex, static_cast<uint32_t>(row.index));
     }
-}
-
-TEST(PhysicalDriveStatusTable, ComponentValuesByIndexIncludingTheUnusedSeven) {
-    const int32_t expected[30] = {1, 1, 1, 3, 1, 1, 2, 2, 3, 1, 1, 3, 3, 3, 3,
-                                  1, 2, 2, 2, 0, 2, 2, 2, 2, 2, 2, 0, 0, 2, 2};
-    for (uint32_t i = 0; i < 30; ++i) {
-        EXPECT_EQ(PhysicalDriveComponentValue(i), expected[i]) << "index " << i;
-    }
+    // Index 7 has no word; past the table nothing counts; no word at all reads as empty.
+    EXPECT_EQ(PhysicalDriveComponentValue(7), 2);
     EXPECT_EQ(PhysicalDriveComponentValue(30), 0);
     EXPECT_EQ(PhysicalDriveComponentValue(0xFFFFFFFFu), 0);
-}
-
-TEST(PhysicalDriveStatusTable, NullWordReadsAsEmpty) {
     uint32_t index = 0;
     CTLRaidData::PhysicalDriveStatusToIndex(nullptr, index);
     EXPECT_EQ(index, 0xFFFFFFFFu);
 }
 
-struct WordRow {
-    const char* word;
-    int32_t expected;
-};
+using Getter = int32_t (CTLRaidData::*)();
 
-TEST(PhysicalDriveTypeTable, EqualsForScsiAndSataContainsWithCaseForTheRest) {
-    const WordRow rows[] = {
-        {"SCSI", 0},  {"scsi", 0},        {"SATA", 1},         {"sata", 1},
-        {"SAS", 2},   {"SAS-3", 2},       {"SAS SSD", 2},      {"12G SAS", 2},
-        {"sas", -1},  {"SATA SSD", -1},   {"NVMe", 3},         {"U.2 NVMe", 3},
-        {"nvme", -1}, {"PCI Express", 4}, {"pci express", -1}, {"NVMe PCI Express", 3},
-        {"IDE", -1},  {"", -1},
-    };
-    for (const WordRow& row : rows) {
-        CTLRaidData drive;
-        SetLeaf(drive, "PhysicalDrive", "Type", row.word);
-        EXPECT_EQ(drive.GetPhysicalDriveType(), row.expected) << "type \"" << row.word << "\"";
-    }
-}
-
-TEST(LogicalDriveStatusTable, WordsWithoutRegardToCase) {
-    const WordRow rows[] = {
-        {"Operational", 0},        {"operational", 0},        {"Degraded", 1},
-        {"Partially degraded", 2}, {"PARTIALLY DEGRADED", 2}, {"Failed", 3},
-        {"Impacted", 4},           {"Initializing", -1},      {"", -1},
-    };
-    for (const WordRow& row : rows) {
-        CTLRaidData logical;
-        SetLeaf(logical, "LogicalDrive", "Status", row.word);
-        EXPECT_EQ(logical.GetLogicalDriveStatus(), row.expected) << "\"" << row.word << "\"";
-    }
-}
-
-TEST(BatteryStatusTable, UnknownWordReadsAsNormal) {
-    const WordRow rows[] = {
-        {"Normal", 0},          {"Temperature Problem", 7},
-        {"Voltage Problem", 2}, {"Charging", 3},
-        {"charging", 3},        {"Discharging", 4},
-        {"Warning", 5},         {"Failed", 6},
-        {"Overheated", 0},      {"", 0},
-    };
-    for (const WordRow& row : rows) {
-        CTLRaidData battery;
-        SetLeaf(battery, "Battery", "Status", row.word);
-        EXPECT_EQ(battery.GetBatteryStatus(), row.expected) << "\"" << row.word << "\"";
-    }
-}
-
-// The six getters of the three-way table, each with its root and child.
-struct ThreeWayGetter {
+// Each getter of a word table with the root and child it reads, and its rows as
+// "word=value|word=value".
+struct WordTable {
     const char* root;
     const char* child;
-    int32_t (CTLRaidData::*get)();
+    Getter get;
+    const char* rows;
 };
 
-const ThreeWayGetter kThreeWayGetters[] = {
-    {"Enclosure", "Status", &CTLRaidData::GetEnclosureStatus},
-    {"Adapter", "Status", &CTLRaidData::GetAdapterStatus},
-    {"Multiplexer", "StatusOverall", &CTLRaidData::GetOverallStatus},
-    {"Multiplexer", "StatusAdapters", &CTLRaidData::GetAdaptersStatus},
-    {"Multiplexer", "StatusDisks", &CTLRaidData::GetDisksStatus},
-    {"Multiplexer", "StatusLogicalDrives", &CTLRaidData::GetLogicalDrivesStatus},
+const char* const kThreeWayRows = "OK=0|ok=0|Warning=1|WARNING=1|Failed=2|Critical=-1|=-1";
+
+const WordTable kWordTables[] = {
+    // Equal words for SCSI and SATA; the others are looked for inside the word, case and all.
+    {"PhysicalDrive", "Type", &CTLRaidData::GetPhysicalDriveType,
+     "SCSI=0|scsi=0|SATA=1|sata=1|SAS=2|SAS-3=2|SAS SSD=2|12G SAS=2|sas=-1|SATA SSD=-1|NVMe=3|"
+     "U.2 NVMe=3|nvme=-1|PCI Express=4|pci express=-1|NVMe PCI Express=3|IDE=-1|=-1"},
+    {"LogicalDrive", "Status", &CTLRaidData::GetLogicalDriveStatus,
+     "Operational=0|operational=0|Degraded=1|Partially degraded=2|PARTIALLY DEGRADED=2|"
+     "Failed=3|Impacted=4|Initializing=-1|=-1"},
+    // An unknown battery word reads as normal.
+    {"Battery", "Status", &CTLRaidData::GetBatteryStatus,
+     "Normal=0|Temperature Problem=7|Voltage Problem=2|Charging=3|charging=3|Discharging=4|"
+     "Warning=5|Failed=6|Overheated=0|=0"},
+    {"Adapter", "@Type", &CTLRaidData::GetAdapterType,
+     "SCSI=0|ATAPI=1|ATA=2|1394=3|SSA=4|FIBRE=5|Fibre=5|USB=6|SATA=7|SAS=8|sas=8|PCIe=9|PCIE=9|"
+     "NVMe=-1|=-1"},
+    {"Enclosure", "Status", &CTLRaidData::GetEnclosureStatus, kThreeWayRows},
+    {"Adapter", "Status", &CTLRaidData::GetAdapterStatus, kThreeWayRows},
+    {"Multiplexer", "StatusOverall", &CTLRaidData::GetOverallStatus, kThreeWayRows},
+    {"Multiplexer", "StatusAdapters", &CTLRaidData::GetAdaptersStatus, kThreeWayRows},
+    {"Multiplexer", "StatusDisks", &CTLRaidData::GetDisksStatus, kThreeWayRows},
+    {"Multiplexer", "StatusLogicalDrives", &CTLRaidData::GetLogicalDrivesStatus, kThreeWayRows},
 };
 
-TEST(ThreeWayStatusTable, EveryGetterReadsItsOwnChild) {
-    const WordRow rows[] = {{"OK", 0},     {"ok", 0},        {"Warning", 1}, {"WARNING", 1},
-                            {"Failed", 2}, {"Critical", -1}, {"", -1}};
-    for (const ThreeWayGetter& getter : kThreeWayGetters) {
-        for (const WordRow& row : rows) {
+TEST(WordTables, EveryGetterReadsItsOwnChild) {
+    for (const WordTable& table : kWordTables) {
+        std::istringstream rows(table.rows);
+        for (std::string row; std::getline(rows, row, '|');) {
+            const size_t equals = row.rfind('=');
             CTLRaidData doc;
-            SetLeaf(doc, getter.root, getter.child, row.word);
-            EXPECT_EQ((doc.*getter.get)(), row.expected)
-                << getter.root << "/" << getter.child << " \"" << row.word << "\"";
+            SetLeaf(doc, table.root, table.child, row.substr(0, equals));
+            EXPECT_EQ((doc.*table.get)(), std::stoi(row.substr(equals + 1)))
+                << table.root << "/" << table.child << " " << row;
         }
-        // Another child of the same root is not read.
-        CTLRaidData other;
-        SetLeaf(other, getter.root, "Name", "OK");
-        EXPECT_EQ((other.*getter.get)(), -1) << getter.root << "/" << getter.child;
     }
-}
-
-TEST(AdapterTypeTable, ReadFromTheAttribute) {
-    const WordRow rows[] = {
-        {"SCSI", 0},  {"ATAPI", 1}, {"ATA", 2},  {"1394", 3},  {"SSA", 4},
-        {"FIBRE", 5}, {"Fibre", 5}, {"USB", 6},  {"SATA", 7},  {"SAS", 8},
-        {"sas", 8},   {"PCIe", 9},  {"PCIE", 9}, {"NVMe", -1}, {"", -1},
-    };
-    for (const WordRow& row : rows) {
-        CTLRaidData adapter;
-        ASSERT_TRUE(adapter.SetDoc(std::string("<Adapter Type=\"") + row.word +
-                                   "\"><Type>SAS</Type></Adapter>"));
-        EXPECT_EQ(adapter.GetAdapterType(), row.expected) << "\"" << row.word << "\"";
-    }
-    CTLRaidData noAttribute;
-    ASSERT_TRUE(noAttribute.SetDoc(std::string("<Adapter Nr=\"0\"><Type>SAS</Type></Adapter>")));
-    EXPECT_EQ(noAttribute.GetAdapterType(), -1);
 }
 
 TEST(LearnCycleTable, PriorityOverAllAdditionalStatusChildren) {
@@ -227,35 +176,19 @@ TEST(LearnCycleTable, PriorityOverAllAdditionalStatusChildren) {
 }
 
 TEST(GetterDefaults, MissingRootOrChildGivesMinusOneButLearnCycleGivesZero) {
-    int32_t (CTLRaidData::*const getters[])() = {
-        &CTLRaidData::GetPhysicalDriveStatusIndex,
-        &CTLRaidData::GetPhysicalDriveStatus,
-        &CTLRaidData::GetPhysicalDriveSmartFlag,
-        &CTLRaidData::GetPhysicalDriveType,
-        &CTLRaidData::GetLogicalDriveStatus,
-        &CTLRaidData::GetBatteryStatus,
-        &CTLRaidData::GetEnclosureStatus,
-        &CTLRaidData::GetAdapterStatus,
-        &CTLRaidData::GetAdapterType,
-        &CTLRaidData::GetOverallStatus,
-        &CTLRaidData::GetAdaptersStatus,
-        &CTLRaidData::GetDisksStatus,
-        &CTLRaidData::GetLogicalDrivesStatus,
-    };
+    std::vector<Getter> getters = {&CTLRaidData::GetPhysicalDriveStatusIndex,
+                                   &CTLRaidData::GetPhysicalDriveStatus,
+                                   &CTLRaidData::GetPhysicalDriveSmartFlag};
     // Each root present but without the child read; an unrelated root; an empty document.
-    const char* docs[] = {
-        "<PhysicalDrive><Name>x</Name></PhysicalDrive>",
-        "<LogicalDrive><Name>x</Name></LogicalDrive>",
-        "<Battery><Name>x</Name></Battery>",
-        "<Enclosure><Name>x</Name></Enclosure>",
-        "<Multiplexer><Status>Operational</Status></Multiplexer>",
-        "<Other><Status>OK</Status><Type>SAS</Type></Other>",
-        "",
-    };
-    for (const char* text : docs) {
+    std::vector<std::string> docs = {"<Other><Status>OK</Status><Type>SAS</Type></Other>", ""};
+    for (const WordTable& table : kWordTables) {
+        getters.push_back(table.get);
+        docs.push_back("<" + std::string(table.root) + "><Name>OK</Name></" + table.root + ">");
+    }
+    for (const std::string& text : docs) {
         CTLRaidData doc;
-        doc.SetDoc(std::string(text));
-        for (auto getter : getters) {
+        doc.SetDoc(text);
+        for (Getter getter : getters) {
             EXPECT_EQ((doc.*getter)(), -1) << text;
         }
         EXPECT_EQ(doc.GetBatteryLearnCycleStatus(), 0) << text;

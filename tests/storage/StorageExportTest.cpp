@@ -79,8 +79,6 @@ TEST(StorageExport, AttributesByTheTable) {
         {"<Enclosure Name=\"E\" Nr=\"4\" NrOfProperties=\"1\"><Status Nr=\"1\">OK</Status>"
          "</Enclosure>",
          "<Enclosure>\n<Status>OK</Status>\n</Enclosure>\n"},
-        {"<Battery ComponentStatus=\"1\" NrOfProperties=\"1\"><Name>B &lt;1&gt;</Name></Battery>",
-         "<Battery>\n<Name>B &lt;1&gt;</Name>\n</Battery>\n"},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(

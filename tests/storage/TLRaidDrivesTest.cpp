@@ -1,4 +1,5 @@
-// Drives of an adapter across the six layouts: count, order, cut, index; and the ports.
+// Drives and enclosures of an adapter across the six layouts: count, order, cut, index; and the
+// ports. Enclosures are numbered by the first appearance of their number, in a port list only.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -31,35 +32,50 @@ std::string DriveNumbers(CTLRaidData& adapter) {
     return numbers;
 }
 
+// The EnclosureNumber of each enclosure by index, comma-separated.
+std::string EnclosureNumbers(CTLRaidData& adapter) {
+    std::string numbers;
+    uint32_t nCount = adapter.GetEnclosureCount();
+    for (uint32_t i = 0; i < nCount; ++i) {
+        CTLRaidData enclosure;
+        EXPECT_TRUE(adapter.GetEnclosureData(enclosure, i));
+        std::string number;
+        EXPECT_TRUE(enclosure.GetEnclosureProperty(number, "EnclosureNumber"));
+        numbers += (i ? "," : "") + number;
+    }
+    CTLRaidData beyond;
+    EXPECT_FALSE(adapter.GetEnclosureData(beyond, nCount));
+    return numbers;
+}
+
 TEST(TLRaidDataDrives, CountAndOrderOnEveryLayout) {
     struct Row {
         const char* file;
         uint32_t adapter;
-        const char* numbers;
+        const char* drives;
+        const char* enclosures;
     };
     const Row rows[] = {
         // Port list: port by port, the port's own drives before those of its enclosures.
-        {"port-list.xml", 0, "0,1,16,17,24,2,3,40,48"},
-        {"demo.xml", 0, "0,1,8,9,10,11"},
-        {"demo.xml", 1, "0,1"},
-        {"two-adapters-enclosures.xml", 0, "8,9,16"},
-        {"two-adapters-enclosures.xml", 1, "0,1"},
-        {"logical-drives.xml", 0, "0,1,2,3,4,5"},
-        {"smart-drives.xml", 0, "0,1,2,3,4,5,6,7,8,9,10"},
-        {"channel-list.xml", 0, "0,1,2,8,9"},
-        {"sas-port.xml", 0, "4,5,6"},
-        {"sata-port.xml", 0, "0,1"},
-        {"scsi-channel.xml", 0, "0,1,2,3"},
-        {"flat.xml", 0, "0,1"},
+        // Enclosure 5 seen again through port 1, and one without a number, take no index.
+        {"port-list.xml", 0, "0,1,16,17,24,2,3,40,48", "5,3,7"},
+        {"two-adapters-enclosures.xml", 0, "8,9,16", "2,3"},
+        {"two-adapters-enclosures.xml", 1, "0,1", "2,1"},
+        {"channel-list.xml", 0, "0,1,2,8,9", ""},
+        {"sas-port.xml", 0, "4,5,6", ""},
+        {"sata-port.xml", 0, "0,1", ""},
+        {"scsi-channel.xml", 0, "0,1,2,3", ""},
+        {"flat.xml", 0, "0,1", ""},
         // A SASPort's enclosures are not walked: only its own drives count.
-        {"version1-sasport.xml", 0, "0"},
-        {"batteries.xml", 0, ""},
+        {"version1-sasport.xml", 0, "0", ""},
+        {"batteries.xml", 0, "", ""},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(std::string(row.file) + " adapter " + std::to_string(row.adapter));
         CTLRaidData adapter;
         LoadAdapter(adapter, SampleTree(row.file), row.adapter);
-        EXPECT_EQ(DriveNumbers(adapter), row.numbers);
+        EXPECT_EQ(DriveNumbers(adapter), row.drives);
+        EXPECT_EQ(EnclosureNumbers(adapter), row.enclosures);
     }
 }
 
@@ -110,18 +126,23 @@ TEST(TLRaidDataDrives, LayoutsAreTestedInTheirOrder) {
     }
 }
 
-TEST(TLRaidDataDrives, IndexBySerialNumberCountsOnlyDrivesWithOne) {
+TEST(TLRaidDataDrives, IndexBySerialNumberAndOfTheEnclosure) {
     CTLRaidData adapter;
     LoadAdapter(adapter, SampleTree("port-list.xml"), 0);
     // Drive 5 has no serial number: it has no index, and those behind it move up by one.
-    const int expected[] = {0, 1, 2, 3, 4, -1, 5, 6, 7};
-    for (uint32_t i = 0; i < std::size(expected); ++i) {
+    // Drives in walk order: two on port 0, 5, 5, 3, two on port 1, the unnumbered enclosure, 7.
+    const int serial[] = {0, 1, 2, 3, 4, -1, 5, 6, 7};
+    const int enclosure[] = {-1, -1, 0, 0, 1, -1, -1, -1, 2};
+    for (uint32_t i = 0; i < std::size(serial); ++i) {
         CTLRaidData drive;
         ASSERT_TRUE(adapter.GetPhysicalDriveData(drive, i));
         uint32_t index = 99;
-        bool found = adapter.GetPhysicalDriveIndex(index, drive);
-        EXPECT_EQ(found, expected[i] >= 0) << "drive " << i;
-        EXPECT_EQ(index, expected[i] >= 0 ? uint32_t(expected[i]) : 99u) << "drive " << i;
+        EXPECT_EQ(adapter.GetPhysicalDriveIndex(index, drive), serial[i] >= 0) << "drive " << i;
+        EXPECT_EQ(index, serial[i] >= 0 ? uint32_t(serial[i]) : 99u) << "drive " << i;
+        index = 99;
+        EXPECT_EQ(adapter.GetEnclosureIndexOfDrive(index, drive), enclosure[i] >= 0)
+            << "drive " << i;
+        EXPECT_EQ(index, enclosure[i] >= 0 ? uint32_t(enclosure[i]) : 99u) << "drive " << i;
     }
 }
 
@@ -160,6 +181,54 @@ TEST(TLRaidDataDrives, IndexIsForThePortListOnlyAndNeedsTheSerialThere) {
         drive.SetDoc(std::string("<PhysicalDrive><SerialNumber>B</SerialNumber></PhysicalDrive>")));
     EXPECT_TRUE(twice.GetPhysicalDriveIndex(index, drive));
     EXPECT_EQ(index, 1u);
+}
+
+TEST(TLRaidDataEnclosures, IndexOfAnEnclosureByItsNumber) {
+    CTLRaidData adapter;
+    LoadAdapter(adapter, SampleTree("port-list.xml"), 0);
+    struct Row {
+        const char* number;
+        int index;
+    };
+    const Row rows[] = {{"5", 0}, {"3", 1}, {"7", 2}, {"9", -1}, {"05", 0}, {"x", -1}};
+    for (const Row& row : rows) {
+        CTLRaidData enclosure;
+        ASSERT_TRUE(enclosure.SetDoc("<Enclosure Name=\"E\"><EnclosureNumber>" +
+                                     std::string(row.number) + "</EnclosureNumber></Enclosure>"));
+        uint32_t index = 99;
+        EXPECT_EQ(adapter.GetEnclosureIndex(index, enclosure), row.index >= 0) << row.number;
+        EXPECT_EQ(index, row.index >= 0 ? uint32_t(row.index) : 99u) << row.number;
+    }
+    // The root looked for is Enclosure, and the number must be there.
+    CTLRaidData other;
+    ASSERT_TRUE(other.SetDoc(
+        std::string("<PhysicalDrive><EnclosureNumber>5</EnclosureNumber></PhysicalDrive>")));
+    uint32_t index = 99;
+    EXPECT_FALSE(adapter.GetEnclosureIndex(index, other));
+    ASSERT_TRUE(other.SetDoc(std::string("<Enclosure><Status>OK</Status></Enclosure>")));
+    EXPECT_FALSE(adapter.GetEnclosureIndex(index, other));
+    EXPECT_EQ(index, 99u);
+}
+
+TEST(TLRaidDataEnclosures, SameNumberOnTwoPortsIsOneEnclosureAtItsFirstIndex) {
+    CTLRaidData adapter;
+    ASSERT_TRUE(adapter.SetDoc(std::string(
+        "<Adapter><Ports>"
+        "<Port><Enclosure Name=\"A\"><EnclosureNumber>4</EnclosureNumber></Enclosure></Port>"
+        "<Port><Enclosure Name=\"B\"><EnclosureNumber>8</EnclosureNumber></Enclosure>"
+        "<Enclosure Name=\"A2\"><EnclosureNumber>4</EnclosureNumber></Enclosure></Port>"
+        "</Ports></Adapter>")));
+    EXPECT_EQ(adapter.GetEnclosureCount(), 2u);
+    CTLRaidData second;
+    ASSERT_TRUE(adapter.GetEnclosureData(second, 1));
+    ASSERT_TRUE(second.FindElem("Enclosure"));
+    EXPECT_EQ(second.GetAttrib(second.GetMainPos(), "Name"), "B");
+    CTLRaidData drive;
+    ASSERT_TRUE(drive.SetDoc(
+        std::string("<PhysicalDrive><EnclosureNumber>4</EnclosureNumber></PhysicalDrive>")));
+    uint32_t index = 99;
+    EXPECT_TRUE(adapter.GetEnclosureIndexOfDrive(index, drive));
+    EXPECT_EQ(index, 0u);
 }
 
 // The tag and the Nr attribute of a cut port, or "untouched" for the document set before.

@@ -30,73 +30,44 @@ DiskResult DiskStatus(const std::string& text) {
     return r;
 }
 
-TEST(TLRaidDataDiskOverall, MultiplexerWordGoesFirst) {
-    const std::string failedDrive = FlatAdapter(Drive("Failed"));
-    struct Row {
-        const char* statusDisks;
-        int32_t expected;
+TEST(TLRaidDataDiskOverall, MultiplexerWordFirstThenTheWorstDrive) {
+    auto disks = [](const char* word) {
+        return "<StatusDisks>" + std::string(word) + "</StatusDisks>";
     };
-    const Row rows[] = {{"OK", 1}, {"ok", 1}, {"Warning", 2}, {"FAILED", 3}};
-    for (const Row& row : rows) {
-        DiskResult r = DiskStatus(WholeTree(
-            failedDrive, std::string("<StatusDisks>") + row.statusDisks + "</StatusDisks>"));
-        EXPECT_TRUE(r.result) << row.statusDisks;
-        EXPECT_EQ(r.status, row.expected) << row.statusDisks;
-    }
-}
-
-TEST(TLRaidDataDiskOverall, WithoutAWordTheWorstDriveCounts) {
+    const std::string failed = FlatAdapter(Drive("Failed"));
     struct Row {
-        std::string system;
-        std::string multiplexer;
+        std::string tree;
         bool result;
         int32_t status;
     };
     const Row rows[] = {
-        {FlatAdapter(Drive("Rebuilding") + Drive("Failed")), "", true, 3},
-        {FlatAdapter(Drive("Rebuilding")) + FlatAdapter(Drive("Operational")), "", true, 2},
+        {WholeTree(failed, disks("OK")), true, 1},
+        {WholeTree(failed, disks("ok")), true, 1},
+        {WholeTree(failed, disks("Warning")), true, 2},
+        {WholeTree(failed, disks("FAILED")), true, 3},
+        {WholeTree(FlatAdapter(Drive("Rebuilding") + Drive("Failed"))), true, 3},
+        {WholeTree(FlatAdapter(Drive("Rebuilding")) + FlatAdapter(Drive("Operational"))), true, 2},
         // A word that maps to nothing counts as none.
-        {FlatAdapter(Drive("Rebuilding")), "<StatusDisks>Unknown</StatusDisks>", true, 2},
+        {WholeTree(FlatAdapter(Drive("Rebuilding")), disks("Unknown")), true, 2},
         // The SMART variants of Failed, Available and Offline say nothing.
-        {FlatAdapter(Drive("Failed SMART Error")), "", true, 0},
-        {FlatAdapter(Drive("Available SMART Error") + Drive("Offline - SMART Error")), "", true, 0},
-        {FlatAdapter(Drive("Failed SMART Error") + Drive("Operational")), "", true, 1},
-        {FlatAdapter(Drive("Unknown") + "<PhysicalDrive><Name>x</Name></PhysicalDrive>"), "", true,
-         0},
-        // No drive taken: false.
-        {FlatAdapter(""), "", false, 0},
-        {"", "", false, 0},
+        {WholeTree(FlatAdapter(Drive("Failed SMART Error"))), true, 0},
+        {WholeTree(FlatAdapter(Drive("Available SMART Error") + Drive("Offline - SMART Error"))),
+         true, 0},
+        {WholeTree(FlatAdapter(Drive("Failed SMART Error") + Drive("Operational"))), true, 1},
+        {WholeTree(FlatAdapter(Drive("Unknown") + "<PhysicalDrive><Name>x</Name></PhysicalDrive>")),
+         true, 0},
+        // No drive taken, or no multiplexer: false.
+        {WholeTree(FlatAdapter("")), false, 0},
+        {WholeTree(""), false, 0},
+        {"<amEMTL Version=\"2\"><System>" + failed + "</System></amEMTL>", false, 0},
+        {SampleTree("smart-drives.xml"), true, 2},  // no StatusDisks: from the drives
+        {SampleTree("logical-drives.xml"), true, 3},
+        {SampleTree("batteries.xml"), true, 1},  // StatusDisks OK, although no drive is there
     };
     for (const Row& row : rows) {
-        DiskResult r = DiskStatus(WholeTree(row.system, row.multiplexer));
-        EXPECT_EQ(r.result, row.result) << row.system;
-        EXPECT_EQ(r.status, row.status) << row.system;
-    }
-}
-
-TEST(TLRaidDataDiskOverall, NoMultiplexerGivesFalseAndZero) {
-    DiskResult r = DiskStatus("<amEMTL Version=\"2\"><System>" + FlatAdapter(Drive("Failed")) +
-                              "</System></amEMTL>");
-    EXPECT_FALSE(r.result);
-    EXPECT_EQ(r.status, 0);
-}
-
-TEST(TLRaidDataDiskOverall, SampleTrees) {
-    struct Row {
-        const char* file;
-        bool result;
-        int32_t status;
-    };
-    const Row rows[] = {
-        {"smart-drives.xml", true, 2},  // no StatusDisks: from the drives
-        {"demo.xml", true, 1},
-        {"logical-drives.xml", true, 3},
-        {"batteries.xml", true, 1},  // StatusDisks OK, although no drive is there
-    };
-    for (const Row& row : rows) {
-        DiskResult r = DiskStatus(SampleTree(row.file));
-        EXPECT_EQ(r.result, row.result) << row.file;
-        EXPECT_EQ(r.status, row.status) << row.file;
+        DiskResult r = DiskStatus(row.tree);
+        EXPECT_EQ(r.result, row.result) << row.tree;
+        EXPECT_EQ(r.status, row.status) << row.tree;
     }
 }
 
@@ -136,19 +107,16 @@ TEST(TLRaidDataBbuOverall, HighestComponentStatusOfEachAdaptersFirstBattery) {
         {BatteryAdapter(Battery("abc")), true, 0},
         {BatteryAdapter(""), false, 0},
         {"", false, 0},
+        {"none", false, 0},  // no System at all
     };
     for (const Row& row : rows) {
         CTLRaidData tree;
-        tree.SetDoc(WholeTree(row.system));
+        tree.SetDoc(row.system == "none" ? "<amEMTL Version=\"2\"><Other/></amEMTL>"
+                                         : WholeTree(row.system));
         uint32_t status = 77;
         EXPECT_EQ(tree.GetBbuOverallComponentStatus(status), row.result) << row.system;
         EXPECT_EQ(status, row.status) << row.system;
     }
-    CTLRaidData broken;
-    broken.SetDoc(std::string("<amEMTL Version=\"2\"><Other/></amEMTL>"));
-    uint32_t status = 77;
-    EXPECT_FALSE(broken.GetBbuOverallComponentStatus(status));
-    EXPECT_EQ(status, 0u);
 }
 
 TEST(TLRaidDataBbuOverall, SampleTreeAndTrace) {

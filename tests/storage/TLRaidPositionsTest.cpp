@@ -16,7 +16,14 @@ struct Operation {
     std::function<void(CTLRaidData&)> run;
 };
 
-// All operations, each with some arguments; sub-documents come from a demo tree.
+// Somewhere for an operation to put what it finds.
+template <typename T>
+T& Out() {
+    static T out;
+    return out;
+}
+
+// All operations, each with some arguments.
 std::vector<Operation> AllOperations() {
     auto drive = std::make_shared<CTLRaidData>();
     drive->SetDoc(
@@ -24,116 +31,46 @@ std::vector<Operation> AllOperations() {
                     "<EnclosureNumber>2</EnclosureNumber></PhysicalDrive>"));
     auto enclosure = std::make_shared<CTLRaidData>();
     enclosure->SetDoc(std::string("<Enclosure><EnclosureNumber>2</EnclosureNumber></Enclosure>"));
-    return {
-        {"IsValid", [](CTLRaidData& d) { d.IsValid(); }},
-        {"GetMultiplexerData",
-         [](CTLRaidData& d) {
-             CTLRaidData o;
-             d.GetMultiplexerData(o);
-         }},
-        {"GetAdapterCount", [](CTLRaidData& d) { d.GetAdapterCount(); }},
-        {"GetAdapterData",
-         [](CTLRaidData& d) {
-             CTLRaidData o;
-             d.GetAdapterData(o, 1);
-         }},
+    using D = CTLRaidData;
+    std::vector<Operation> ops = {
+        {"IsValid", [](D& d) { d.IsValid(); }},
+        {"GetMultiplexerData", [](D& d) { d.GetMultiplexerData(Out<D>()); }},
+        {"GetAdapterCount", [](D& d) { d.GetAdapterCount(); }},
+        {"GetAdapterData", [](D& d) { d.GetAdapterData(Out<D>(), 1); }},
         {"GetPhysicalDiskOverallComponentStatus",
-         [](CTLRaidData& d) {
-             int32_t n;
-             d.GetPhysicalDiskOverallComponentStatus(n);
-         }},
+         [](D& d) { d.GetPhysicalDiskOverallComponentStatus(Out<int32_t>()); }},
         {"GetBbuOverallComponentStatus",
-         [](CTLRaidData& d) {
-             uint32_t n;
-             d.GetBbuOverallComponentStatus(n);
-         }},
-        {"GetAdapterPciAddress",
-         [](CTLRaidData& d) {
-             AdapterPciAddress a;
-             d.GetAdapterPciAddress(a);
-         }},
-        {"GetPortData",
-         [](CTLRaidData& d) {
-             CTLRaidData o;
-             d.GetPortData(o, 1);
-         }},
-        {"GetPhysicalDriveCount", [](CTLRaidData& d) { d.GetPhysicalDriveCount(); }},
-        {"GetPhysicalDriveData",
-         [](CTLRaidData& d) {
-             CTLRaidData o;
-             d.GetPhysicalDriveData(o, 3);
-         }},
+         [](D& d) { d.GetBbuOverallComponentStatus(Out<uint32_t>()); }},
+        {"GetAdapterPciAddress", [](D& d) { d.GetAdapterPciAddress(Out<AdapterPciAddress>()); }},
+        {"GetPortData", [](D& d) { d.GetPortData(Out<D>(), 1); }},
+        {"GetPhysicalDriveCount", [](D& d) { d.GetPhysicalDriveCount(); }},
+        {"GetPhysicalDriveData", [](D& d) { d.GetPhysicalDriveData(Out<D>(), 3); }},
         {"GetPhysicalDriveIndex",
-         [drive](CTLRaidData& d) {
-             uint32_t n;
-             d.GetPhysicalDriveIndex(n, *drive);
-         }},
-        {"GetRaidLogicalDriveData",
-         [](CTLRaidData& d) {
-             CTLRaidData o;
-             d.GetRaidLogicalDriveData(o, 1);
-         }},
-        {"GetBatteryData",
-         [](CTLRaidData& d) {
-             CTLRaidData o;
-             d.GetBatteryData(o, 0);
-         }},
-        {"GetEnclosureCount", [](CTLRaidData& d) { d.GetEnclosureCount(); }},
-        {"GetEnclosureData",
-         [](CTLRaidData& d) {
-             CTLRaidData o;
-             d.GetEnclosureData(o, 0);
-         }},
+         [drive](D& d) { d.GetPhysicalDriveIndex(Out<uint32_t>(), *drive); }},
+        {"GetRaidLogicalDriveData", [](D& d) { d.GetRaidLogicalDriveData(Out<D>(), 1); }},
+        {"GetBatteryData", [](D& d) { d.GetBatteryData(Out<D>(), 0); }},
+        {"GetEnclosureCount", [](D& d) { d.GetEnclosureCount(); }},
+        {"GetEnclosureData", [](D& d) { d.GetEnclosureData(Out<D>(), 0); }},
         {"GetEnclosureIndexOfDrive",
-         [drive](CTLRaidData& d) {
-             uint32_t n;
-             d.GetEnclosureIndexOfDrive(n, *drive);
-         }},
+         [drive](D& d) { d.GetEnclosureIndexOfDrive(Out<uint32_t>(), *drive); }},
         {"GetEnclosureIndex",
-         [enclosure](CTLRaidData& d) {
-             uint32_t n;
-             d.GetEnclosureIndex(n, *enclosure);
-         }},
-        {"GetPhysicalDriveProperty",
-         [](CTLRaidData& d) {
-             std::string s;
-             d.GetPhysicalDriveProperty(s, "Name");
-         }},
-        {"GetPortProperty",
-         [](CTLRaidData& d) {
-             std::string s;
-             d.GetPortProperty(s, "Name");
-         }},
-        {"GetLogicalDriveProperty",
-         [](CTLRaidData& d) {
-             std::string s;
-             d.GetLogicalDriveProperty(s, "Name");
-         }},
-        {"GetBatteryProperty",
-         [](CTLRaidData& d) {
-             std::string s;
-             d.GetBatteryProperty(s, "Name");
-         }},
-        {"GetEnclosureProperty",
-         [](CTLRaidData& d) {
-             std::string s;
-             d.GetEnclosureProperty(s, "Name");
-         }},
-        {"GetPhysicalDriveStatusIndex", [](CTLRaidData& d) { d.GetPhysicalDriveStatusIndex(); }},
-        {"GetPhysicalDriveStatus", [](CTLRaidData& d) { d.GetPhysicalDriveStatus(); }},
-        {"GetPhysicalDriveSmartFlag", [](CTLRaidData& d) { d.GetPhysicalDriveSmartFlag(); }},
-        {"GetPhysicalDriveType", [](CTLRaidData& d) { d.GetPhysicalDriveType(); }},
-        {"GetLogicalDriveStatus", [](CTLRaidData& d) { d.GetLogicalDriveStatus(); }},
-        {"GetBatteryStatus", [](CTLRaidData& d) { d.GetBatteryStatus(); }},
-        {"GetBatteryLearnCycleStatus", [](CTLRaidData& d) { d.GetBatteryLearnCycleStatus(); }},
-        {"GetEnclosureStatus", [](CTLRaidData& d) { d.GetEnclosureStatus(); }},
-        {"GetAdapterStatus", [](CTLRaidData& d) { d.GetAdapterStatus(); }},
-        {"GetAdapterType", [](CTLRaidData& d) { d.GetAdapterType(); }},
-        {"GetOverallStatus", [](CTLRaidData& d) { d.GetOverallStatus(); }},
-        {"GetAdaptersStatus", [](CTLRaidData& d) { d.GetAdaptersStatus(); }},
-        {"GetDisksStatus", [](CTLRaidData& d) { d.GetDisksStatus(); }},
-        {"GetLogicalDrivesStatus", [](CTLRaidData& d) { d.GetLogicalDrivesStatus(); }},
+         [enclosure](D& d) { d.GetEnclosureIndex(Out<uint32_t>(), *enclosure); }},
     };
+    using Property = bool (D::*)(std::string&, const char*);
+    for (Property read :
+         {&D::GetPhysicalDriveProperty, &D::GetPortProperty, &D::GetLogicalDriveProperty,
+          &D::GetBatteryProperty, &D::GetEnclosureProperty}) {
+        ops.push_back({"a property read", [read](D& d) { (d.*read)(Out<std::string>(), "Name"); }});
+    }
+    for (int32_t (D::*get)() :
+         {&D::GetPhysicalDriveStatusIndex, &D::GetPhysicalDriveStatus,
+          &D::GetPhysicalDriveSmartFlag, &D::GetPhysicalDriveType, &D::GetLogicalDriveStatus,
+          &D::GetBatteryStatus, &D::GetBatteryLearnCycleStatus, &D::GetEnclosureStatus,
+          &D::GetAdapterStatus, &D::GetAdapterType, &D::GetOverallStatus, &D::GetAdaptersStatus,
+          &D::GetDisksStatus, &D::GetLogicalDrivesStatus}) {
+        ops.push_back({"a status getter", [get](D& d) { (d.*get)(); }});
+    }
+    return ops;
 }
 
 // Cursor placements to start from: the three positions after some navigation.

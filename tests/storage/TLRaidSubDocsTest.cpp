@@ -1,6 +1,7 @@
-// Sub-documents of the tree and of an adapter, the PCI address and the property reads.
+// Sub-documents of the tree and of an adapter, the property reads and the MDC progress map.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 
 #include "storage/TLRaidData.h"
@@ -82,45 +83,6 @@ TEST(TLRaidDataSubDocs, OnlyTheFirstBatteryIsReachable) {
     EXPECT_FALSE(adapter.GetBatteryData(battery, 0));
 }
 
-TEST(TLRaidDataPciAddress, ChildrenAreSearchedForwardInOrder) {
-    struct Row {
-        const char* children;
-        bool result;
-        int bus, device, function, segment;
-    };
-    const Row rows[] = {
-        {"<PCIBus>24</PCIBus><PCIDevice>3</PCIDevice><PCIFunction>1</PCIFunction>"
-         "<PCISegment>2</PCISegment>",
-         true, 24, 3, 1, 2},
-        {"<PCIBus>0</PCIBus><PCIDevice>31</PCIDevice>", true, 0, 31, 0, 0},
-        // The segment before the function is not found behind it.
-        {"<PCIBus>5</PCIBus><PCIDevice>6</PCIDevice><PCISegment>3</PCISegment>"
-         "<PCIFunction>4</PCIFunction>",
-         true, 5, 6, 4, 0},
-        // The device before the bus is not found at all.
-        {"<PCIDevice>6</PCIDevice><PCIBus>5</PCIBus>", false, 9, 9, 9, 9},
-        {"<PCIBus>5</PCIBus>", false, 9, 9, 9, 9},
-        {"<Name>x</Name>", false, 9, 9, 9, 9},
-        // Cut to 8 and 16 bits; text without digits is 0.
-        {"<PCIBus>300</PCIBus><PCIDevice>-1</PCIDevice><PCIFunction>x</PCIFunction>"
-         "<PCISegment>65537</PCISegment>",
-         true, 44, 255, 0, 1},
-    };
-    for (const Row& row : rows) {
-        CTLRaidData adapter;
-        ASSERT_TRUE(
-            adapter.SetDoc("<Adapter Nr=\"0\">" + std::string(row.children) + "</Adapter>"));
-        AdapterPciAddress address;
-        address.nBus = address.nDevice = address.nFunction = 9;
-        address.nSegment = 9;
-        EXPECT_EQ(adapter.GetAdapterPciAddress(address), row.result) << row.children;
-        EXPECT_EQ(address.nBus, row.bus) << row.children;
-        EXPECT_EQ(address.nDevice, row.device) << row.children;
-        EXPECT_EQ(address.nFunction, row.function) << row.children;
-        EXPECT_EQ(address.nSegment, row.segment) << row.children;
-    }
-}
-
 TEST(TLRaidDataProperties, EachReadLooksForItsOwnRoot) {
     struct Read {
         const char* root;
@@ -158,6 +120,54 @@ TEST(TLRaidDataProperties, EachReadLooksForItsOwnRoot) {
         ASSERT_TRUE(other.SetDoc(std::string("<Channel><Name>first</Name></Channel>")));
         EXPECT_FALSE((other.*r.read)(value, "Name"));
         EXPECT_EQ(value, "untouched");
+    }
+}
+
+// The MDC progress of the logical drives, by drive key.
+std::string LogicalDrive(const std::string& children) {
+    return "<LogicalDrive LogDriveNumber=\"0\"><Status>Operational</Status>" + children +
+           "</LogicalDrive>";
+}
+
+std::string Mdc(const std::string& text) {
+    return "<MDCProgress>" + text + "</MDCProgress>";
+}
+
+TEST(GetMDCProgressMap, EveryDriveByItsKey) {
+    // The key takes the adapter's Name element; the attribute of that name is not read.
+    const std::string tree =
+        WholeTree("<Adapter Name=\"Attribute\" Nr=\"3\"><Name>Ctl A</Name>" + LogicalDrive("") +
+                  LogicalDrive(Mdc("12")) + LogicalDrive(Mdc("")) + "</Adapter>" +
+                  "<Adapter Name=\"No element\"><Status>OK</Status>" + LogicalDrive(Mdc("65535")) +
+                  LogicalDrive(Mdc("70000")) + LogicalDrive(Mdc("65534")) + "</Adapter>" +
+                  "<Adapter><Name>Ctl C</Name></Adapter>");
+    CTLRaidData doc;
+    ASSERT_TRUE(doc.SetDoc(tree));
+    const std::map<std::string, int16_t> expected = {
+        {"Ctl A A0L0", -1}, {"Ctl A A0L1", 12}, {"Ctl A A0L2", 0},
+        {" A1L0", -1},      {" A1L1", 4464},    {" A1L2", -2},
+    };
+    EXPECT_EQ(doc.GetMDCProgressMap(), expected);
+}
+
+TEST(GetMDCProgressMap, SampleTreeAndBrokenTrees) {
+    CTLRaidData doc;
+    ASSERT_TRUE(doc.SetDoc(SampleTree("logical-drives.xml")));
+    ASSERT_TRUE(doc.FindElem("amEMTL"));
+    const uint32_t main = doc.GetMainPos();
+    const std::map<std::string, int16_t> progress = doc.GetMDCProgressMap();
+    EXPECT_EQ(doc.GetMainPos(), main);
+    int running = 0;
+    for (const auto& entry : progress) {
+        EXPECT_EQ(entry.first.compare(0, 15, "TL RAID EP540i "), 0) << entry.first;
+        running += entry.second >= 0;
+    }
+    EXPECT_EQ(running, 3);
+    EXPECT_EQ(progress.at("TL RAID EP540i A0L1"), 12);
+
+    for (const char* text : {"<NoRoot/>", "<amEMTL><System/></amEMTL>"}) {
+        ASSERT_TRUE(doc.SetDoc(std::string(text)));
+        EXPECT_TRUE(doc.GetMDCProgressMap().empty()) << text;
     }
 }
 

@@ -233,28 +233,9 @@ class TreeBuilder {
     size_t Pick(size_t n) { return std::uniform_int_distribution<size_t>(0, n - 1)(m_rng); }
 
     std::string Value(bool bAttrib) {
-        static const char* const aPieces[] = {"a",
-                                              "Z",
-                                              "0",
-                                              " ",
-                                              "<",
-                                              ">",
-                                              "&",
-                                              "\"",
-                                              "'",
-                                              "]]>",
-                                              "]]",
-                                              "]",
-                                              "&amp;",
-                                              "&#65;",
-                                              "\xC3\xA9",
-                                              "\xE2\x82\xAC",
-                                              "\xF0\x9F\x98\x80",
-                                              "/>",
-                                              "<!--",
-                                              "?>",
-                                              "\n",
-                                              "\t"};
+        static const char* const aPieces[] = {"a", "Z",   "0",    " ",  "<",     ">",     "&", "\"",
+                                              "'", "]]>", "]]",   "]",  "&amp;", "&#65;", "é", "€",
+                                              "😀", "/>",  "<!--", "?>", "\n",    "\t"};
         std::string s;
         for (size_t n = Pick(6); n > 0; --n) {
             std::string sPiece = aPieces[Pick(std::size(aPieces))];
