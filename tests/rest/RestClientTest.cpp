@@ -1,17 +1,14 @@
 // The REST client's steps that need no daemon: the lsof line, the login reply, the JWT and
-// its lifetime, the header list. Exchanges with a daemon are in RestSessionTest.cpp.
+// its lifetime. Exchanges with a daemon are in RestSessionTest.cpp.
 
-#include <curl/curl.h>
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
 
 #include <algorithm>
 #include <atomic>
 #include <deque>
-#include <stdexcept>
 #include <string>
 #include <thread>
-#include <typeinfo>
 #include <vector>
 
 #include "RunCommand.h"
@@ -131,20 +128,6 @@ TEST_F(RestClientTest, AccessTokenIsTheFirstTopLevelStringMember) {
     }
 }
 
-TEST_F(RestClientTest, JwtHoldsUntilTheNanosecondOfExp) {
-    CTestRestClient client(FakeClockSettings(300));
-    SetClock({0});
-    EXPECT_EQ(client.IsJwtValid(), 0u) << "no token yet";
-
-    SetClock({1000 * kSecond + kSecond / 2});
-    client.CreateJwt();
-    EXPECT_EQ(client.IsJwtValid(), 1u);
-    SetClock({1300 * kSecond});
-    EXPECT_EQ(client.IsJwtValid(), 1u);
-    SetClock({1300 * kSecond + 1});
-    EXPECT_EQ(client.IsJwtValid(), 0u);
-}
-
 // A clock that threads may read while a test moves it.
 std::atomic<int64_t> g_SharedNow{0};
 
@@ -222,42 +205,4 @@ TEST_F(RestClientTest, JwtClaimsAreIssuerIssuedAtAndExpiry) {
     }
 }
 
-TEST_F(RestClientTest, TokensWithoutUsableExpThrowFromTheValidityTest) {
-    // Signed with the shared key by another implementation: {"iss":..,"iat":1} and the same
-    // with "exp":"soon".
-    const std::string noExp =
-        "eyJhbGciOiJIUzI1NiIsInR5cCI6IkpXVCJ9.eyJpc3MiOiJUTFJNX0NMSUVOVF9UTEFTIiwiaWF0IjoxfQ."
-        "gVWneslyFgyAw1oqzZGlUgjQz16AvS6tZGzSpGIXoeg";
-    const std::string textExp =
-        "eyJhbGciOiJIUzI1NiIsInR5cCI6IkpXVCJ9."
-        "eyJpc3MiOiJUTFJNX0NMSUVOVF9UTEFTIiwiaWF0IjoxLCJleHAiOiJzb29uIn0."
-        "Cq8m5WLWMMFn1TT6jGgpEp7sf-OqCmqWoKxN5b86pcE";
-    CTestRestClient client;
-    client.m_sJwt = noExp;
-    try {
-        client.IsJwtValid();
-        ADD_FAILURE() << "no exception";
-    } catch (const std::runtime_error& e) {
-        EXPECT_STREQ(e.what(), "claim not found");
-    }
-    client.m_sJwt = textExp;
-    EXPECT_THROW(client.IsJwtValid(), std::bad_cast);
-    client.m_sJwt = "not a token";
-    EXPECT_ANY_THROW(client.IsJwtValid());
-}
-
-TEST_F(RestClientTest, HeaderListHasContentTypeThenBearer) {
-    for (const std::string token : {"", "0123abcd"}) {
-        SCOPED_TRACE(token);
-        CTestRestClient client;
-        std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)> list(
-            client.AddAuthBearerHeader(token), curl_slist_free_all);
-        std::vector<std::string> lines;
-        for (const curl_slist* item = list.get(); item; item = item->next)
-            lines.push_back(item->data);
-        EXPECT_EQ(lines, (std::vector<std::string>{"Content-Type: application/json",
-                                                   "Authorization: Bearer " + token}));
-    }
-}
-
-}  // namespace
+// namespace

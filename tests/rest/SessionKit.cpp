@@ -35,12 +35,6 @@ std::string IssuedToken(const rapidjson::Value& request) {
     return Str(reply, "access_token");
 }
 
-std::string FormJwt(const rapidjson::Value& request) {
-    const std::string body = Str(request, "body");
-    const size_t start = body.find("jwt=") + 4;
-    return body.substr(start, body.find('&') - start);
-}
-
 std::string ReadFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
@@ -66,15 +60,14 @@ void RestSandboxTest::TearDown() {
 }
 
 Session RestSandboxTest::Run(const std::vector<std::string>& steps,
-                             const std::string& sandboxOptions, const std::string& simOptions,
-                             const std::string& driverOptions, bool withSim) {
+                             const std::string& sandboxOptions, bool withSim) {
     const std::string build = TLR_BUILD_DIR;
     std::string command = build + "/sandbox --trace-level 6 " + sandboxOptions;
     if (withSim) {
         command += " --sim " + ShellQuote("--tree " + m_sTree + " --control " + m_sControl +
-                                          " --log " + m_sLog + " " + simOptions);
+                                          " --log " + m_sLog);
     }
-    command += " -- " + build + "/tests/tlr-rest-driver " + driverOptions;
+    command += " -- " + build + "/tests/tlr-rest-driver";
     for (const std::string& step : steps)
         command += " " + ShellQuote(step);
     const CommandResult result = RunCommand(command);
