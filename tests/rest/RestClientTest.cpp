@@ -205,4 +205,4 @@ TEST_F(RestClientTest, JwtClaimsAreIssuerIssuedAtAndExpiry) {
     }
 }
 
-// namespace
+}  // namespace
