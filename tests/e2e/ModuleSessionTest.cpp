@@ -122,6 +122,14 @@ TEST_F(HostSessions, LineProtocolWithAdaptersAndCabinets) {
         "\n\nEM_TLRAID           : ## Server cabinet number = 1 ##\n",
         "\n### Starting module EM_TLRAID ###\n",
         "\nEM_TLRAID           : Got valid TLRAID response",
+        "\nEM_TLRAID           : SetupEnclosureMap - Enclosure = 'SGPIO Backplane 8x2.5' found, "
+        "currently not supported!",
+        "\nEM_TLRAID           : SetupEnclosureMap - SAS Enclosure 's':'Orlane VK16 JBOD' added to "
+        "EnclosureMap",
+        "\nEM_TLRAID           : SetupEnclosureMap     - duplicate enclosure Orlane VK16 JBOD "
+        "found",
+        "\nEM_TLRAID           : SetupEnclosureMap - SAS Enclosure 's':'Orlane VK12 T2 JBOD' added "
+        "to EnclosureMap",
         "\nEM_TLRAID           : SetupEnclosureMap     - 2 enclosure(s) found",
         "\nEM_TLRAID           : Init, SetupEnclosure OK",
         "_StorageDeviceTreePollingThread",
