@@ -11,9 +11,9 @@
 #include <thread>
 #include <vector>
 
-#include "RunCommand.h"
 #include "TestRestClient.h"
 #include "support/CaptureTraceServer.h"
+#include "support/Process.h"
 
 namespace {
 
@@ -188,17 +188,16 @@ TEST_F(RestClientTest, JwtClaimsAreIssuerIssuedAtAndExpiry) {
         EXPECT_EQ(client.m_sJwt, token);
 
         // A second implementation must accept the signature and read the same claims.
-        const CommandResult check =
-            RunCommand(std::string(TLR_PYTHON3) + " " + TLR_SOURCE_DIR +
-                       "/tests/rest/check_jwt.py " + ShellQuote(token) + " --ignore-exp");
-        ASSERT_EQ(check.nStatus, 0) << token;
+        const ProcessResult check =
+            RunProcess({TLR_PYTHON3, SourcePath("tests/rest/check_jwt.py"), token, "--ignore-exp"});
+        ASSERT_EQ(check.exitCode, 0) << token;
         rapidjson::Document doc;
-        doc.Parse(check.sOut.c_str());
-        ASSERT_TRUE(doc.IsObject()) << check.sOut;
+        doc.Parse(check.out.c_str());
+        ASSERT_TRUE(doc.IsObject()) << check.out;
         EXPECT_STREQ(doc["header"]["typ"].GetString(), "JWT");
         EXPECT_STREQ(doc["header"]["alg"].GetString(), "HS256");
         const rapidjson::Value& claims = doc["claims"];
-        EXPECT_EQ(claims.MemberCount(), 3u) << check.sOut;
+        EXPECT_EQ(claims.MemberCount(), 3u) << check.out;
         EXPECT_STREQ(claims["iss"].GetString(), "TLRM_CLIENT_TLAS");
         EXPECT_EQ(claims["iat"].GetInt64(), row.iat);
         EXPECT_EQ(claims["exp"].GetInt64(), row.exp);

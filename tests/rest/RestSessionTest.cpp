@@ -11,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "RunCommand.h"
 #include "SessionKit.h"
 #include "rest/RestConstants.h"
 
@@ -173,24 +172,33 @@ TEST_F(RestSessionTest, LsofOutputDecidesWhereRequestsGo) {
               "tlrcd 2101 root 12 127.0.0.1 SOCKET_INET 0 TCP 127.0.0.1:34246 (LISTEN)");
     struct Row {
         const char* name;
-        std::string lsofOption;
+        std::vector<std::string> lsofOptions;
         bool ok;
         size_t requests;
         const char* trace;
     };
     const Row rows[] = {
         // awk ends every line it prints, so a last line without one loses nothing.
-        {"last line without newline", "--lsof-file " + m_sDir + "/lsof-no-newline", true, 2,
+        {"last line without newline",
+         {"--lsof-file", m_sDir + "/lsof-no-newline"},
+         true,
+         2,
          "hostname read: 127.0.0.1"},
-        {"no daemon socket", "--lsof 'sshd 1987 root 3 0.0.0.0 SOCKET_INET'", false, 0,
+        {"no daemon socket",
+         {"--lsof", "sshd 1987 root 3 0.0.0.0 SOCKET_INET"},
+         false,
+         0,
          "GetMainServerIpAddress: failed to read output"},
-        {"another address", "--lsof 'tlrcd 2101 root 12 127.0.0.2 SOCKET_INET'", false, 0,
+        {"another address",
+         {"--lsof", "tlrcd 2101 root 12 127.0.0.2 SOCKET_INET"},
+         false,
+         0,
          "SetAuthToken: failed to perform request rc=7"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         std::filesystem::remove(m_sLog);
-        const Session s = Run({"sdt:5"}, row.lsofOption);
+        const Session s = Run({"sdt:5"}, row.lsofOptions);
         ASSERT_EQ(s.steps.size(), 1u) << s.sOut;
         EXPECT_EQ(s.steps[0]["ok"].GetBool(), row.ok);
         EXPECT_EQ(s.requests.size(), row.requests);
@@ -199,7 +207,7 @@ TEST_F(RestSessionTest, LsofOutputDecidesWhereRequestsGo) {
 }
 
 TEST_F(RestSessionTest, NoDaemonFailsBothRequests) {
-    const Session s = Run({"sdt:5", "redfish:5:{}"}, "", false);
+    const Session s = Run({"sdt:5", "redfish:5:{}"}, {}, false);
     ASSERT_EQ(s.steps.size(), 2u) << s.sOut;
     EXPECT_FALSE(s.steps[0]["ok"].GetBool());
     EXPECT_TRUE(Traced(s.steps[0], "SetAuthToken: failed to perform request rc=7"));

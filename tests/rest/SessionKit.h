@@ -33,8 +33,8 @@ class RestSandboxTest : public ::testing::Test {
     void TearDown() override;
 
     // Runs the driver's steps in the sandbox, with the simulator unless withSim is false.
-    Session Run(const std::vector<std::string>& steps, const std::string& sandboxOptions = "",
-                bool withSim = true);
+    Session Run(const std::vector<std::string>& steps,
+                const std::vector<std::string>& sandboxOptions = {}, bool withSim = true);
 
     std::string m_sInitialTree;
     std::string m_sDir;
