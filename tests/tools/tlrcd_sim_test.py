@@ -175,22 +175,6 @@ class SimulatorTest(unittest.TestCase):
             os.remove(self.path("control.json"))
             self.assertEqual(sim.tree(token)[0], 200)
 
-    def test_bad_options_are_refused(self):
-        self.write("scenario.json", json.dumps({"steps": [{"at_s": 0, "tree": "tree.xml"}]}))
-        rows = [
-            (["--bogus"], "unknown option"),
-            (["--tree"], "needs a value"),
-            (["--tree", self.path("missing.xml")], "cannot read tree file"),
-            (["--scenario", self.path("scenario.json"), "--tree", self.path("tree.xml")],
-             "exclude each other"),
-        ]
-        for args, message in rows:
-            with self.subTest(args=args):
-                result = subprocess.run([SIM_BIN, "--listen", f"{HOST}:{PORT + 1}", *args],
-                                        capture_output=True, text=True, timeout=20)
-                self.assertEqual(result.returncode, 2, result.stderr)
-                self.assertIn(message, result.stderr)
-
     def test_scenario_steps_follow_in_order(self):
         """Their timing is tested in SimScenarioTest.cpp on the scenario's own clock; here
         only that the running simulator follows them, with no timed assertion."""
@@ -204,13 +188,14 @@ class SimulatorTest(unittest.TestCase):
              "progress": {"from": 1, "by": 1, "every_s": 0.25, "to": 3}}]}))
         seen = []
         with Simulator("--scenario", self.path("scenario.json")) as sim:
-            token = sim.access_token()
+            token = None  # asked for when the simulator listens, whenever that is
             deadline = time.monotonic() + 60
             while seen[-1:] != ["B 3"] and time.monotonic() < deadline:
                 try:
+                    token = token or sim.access_token()
                     status, body = sim.tree(token)
                     state = json.loads(body)["SDT"] if status == 200 else status
-                except (ConnectionError, ssl.SSLError):  # also while it closes
+                except OSError:  # refused, or cut off while it closes
                     state = "refused"
                 if seen[-1:] != [state]:
                     seen.append(state)
