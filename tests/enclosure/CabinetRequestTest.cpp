@@ -168,19 +168,6 @@ TEST_F(CabinetRequestTest, PresenceOfTheServersOwnNumber) {
     EXPECT_EQ(Answer(*stale), "ST=20");
 }
 
-TEST_F(CabinetRequestTest, Trace) {
-    ScopedTraceLevel level(4);
-    Debug.Take();
-    auto power = Request(257, 0, 0, 800);
-    HandleCabinetRequest(m_Map, *power);
-    auto unknown = Request(257, 0, 0, 802);
-    HandleCabinetRequest(m_Map, *unknown);
-    EXPECT_EQ(Debug.Take(),
-              "\nEM_TLRaid           : REQUEST for cabinet 800 accepted"
-              "\nEM_TLRAID (Request)   : CM_PowerOnStatus[CID:800] = {0x01,0x01}"
-              "\nEM_TLRaid           : REQUEST for cabinet 802 rejected");
-}
-
 TEST(CabinetList, NoneOneAndSeveral) {
     struct Row {
         std::vector<uint32_t> cabinets;

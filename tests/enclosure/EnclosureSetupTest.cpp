@@ -180,18 +180,6 @@ TEST(SetupEnclosureMap, ObjectsOfACabinet) {
     EXPECT_FALSE(map.m_Cabinets.begin()->second.PSRedundancy);
 }
 
-TEST(SetupEnclosureMap, SampleTreeWithCabinets) {
-    EnclosureMap map = SampleCabinets();
-    EXPECT_EQ(Cabinets(map),
-              "800 0/2 4/6/2 VK16|VK16R|ORLANE|VK16A2034501;"
-              "801 0/3 2/3/2 VK12 T2|VK12T21R|ORLANE|VK12B1187720;");
-    std::string objects = Objects(map);
-    EXPECT_NE(objects.find("800-3 3 Fan 4 Fan_4 1/4;801-0 0 Fan 1 Fan_1 1/4;801-1"),
-              std::string::npos);
-    EXPECT_NE(objects.find("801-2 2 PSU 0 hotspot 6/5 41/70/80;800-0 0 Power Supply 0 1;"),
-              std::string::npos);
-}
-
 TEST(SetupEnclosureMap, Trace) {
     CTLRaidData doc;
     ASSERT_TRUE(doc.SetDoc(OneAdapter(

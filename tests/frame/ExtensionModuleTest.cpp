@@ -165,22 +165,6 @@ TEST(ModuleInfoTest, ShortBlockStaysUntouched) {
     EXPECT_EQ(block, before);
 }
 
-TEST(ModuleInfoTest, BlockIsFilledAtItsOffsets) {
-    auto block = InfoBlock(246);
-    EXPECT_TRUE(FillModuleInfo(reinterpret_cast<ModuleInfoBlock*>(block.data()), "EM_TLRAID",
-                               "TLRAID extension module"));
-    EXPECT_EQ(block[8], 0xA6);
-    EXPECT_EQ(block[21], 0xA6);
-    EXPECT_EQ(block[42], 3);
-    EXPECT_EQ(block[45], 0);
-    EXPECT_STREQ(reinterpret_cast<char*>(&block[46]), "EM_TLRAID");
-    EXPECT_STREQ(reinterpret_cast<char*>(&block[146]), "TLRAID extension module");
-    for (size_t i : {141u, 142u, 145u, 241u, 242u, 245u})
-        EXPECT_EQ(block[i], 0) << i;
-    for (size_t i : {4u, 7u, 9u, 20u, 22u, 41u, 246u, 255u})
-        EXPECT_EQ(block[i], 0xA5) << i;
-}
-
 TEST(RecordTraceTest, LineFormByData) {
     ScopedTraceLevel trace(6);
     struct Row {
@@ -212,37 +196,19 @@ TEST(RecordTraceTest, LineFormByData) {
     }
 }
 
-CIExtensionModule* MakeTestModule() {
-    return new TestModule();
-}
 CIExtensionModule* MakeNothing() {
     return nullptr;
 }
 
-TEST(ModuleExportsTest, CreateDeleteAndSetupActions) {
+// The life cycle's answers and traces through the shipped module show in the end-to-end
+// session; here what it never meets: a factory that fails and unknown setup actions.
+TEST(ModuleExportsTest, FailedCreationAndUnknownSetupActions) {
     ScopedTraceLevel trace(2);
-    CIExtensionModule* first = nullptr;
-    CIExtensionModule* second = nullptr;
-    EXPECT_TRUE(module_exports::Create(&first, MakeTestModule, "EM_TEST"));
-    EXPECT_TRUE(module_exports::Create(&second, MakeTestModule, "EM_TEST"));
-    EXPECT_EQ(first, second);
-    EXPECT_EQ(Debug.Take(),
-              "\nEM DLL (EM_TEST   ) : Create module"
-              "\nEM DLL (EM_TEST   ) : ## ERROR: Module already existing!\n");
-    EXPECT_EQ(module_exports::Delete("EM_TEST"), 1);
+    CIExtensionModule* module = nullptr;
+    EXPECT_FALSE(module_exports::Create(&module, MakeNothing, "EM_TEST"));
+    EXPECT_EQ(module, nullptr);
     EXPECT_EQ(module_exports::Delete("EM_TEST"), 0);
-    EXPECT_EQ(Debug.Take(),
-              "\nEM DLL (EM_TEST   ) : Destroy module..."
-              "\nEM DLL (EM_TEST   ) : .. Module destroyed successfully!"
-              "\nEM DLL (EM_TEST   ) : Module already destroyed!");
-    EXPECT_FALSE(module_exports::Create(&first, MakeNothing, "EM_TEST"));
-    EXPECT_EQ(first, nullptr);
     Debug.Take();
-
-    EXPECT_EQ(module_exports::SetupAction(2, "EM_TLRAID"), 1);
-    EXPECT_EQ(Debug.Take(),
-              "\n\nEM_TLRAID           : ## Setup action \"RESTORE\" call - no action function "
-              "defined\n");
     for (uint32_t unknown : {0u, 5u}) {
         EXPECT_EQ(module_exports::SetupAction(unknown, "EM_TLRAID"), 1);
         EXPECT_EQ(

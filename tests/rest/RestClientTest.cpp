@@ -1,22 +1,19 @@
 // The REST client's steps that need no daemon: the lsof line, the login reply, the JWT and
-// its lifetime, the header list. Exchanges with a daemon are in RestSessionTest.cpp.
+// its lifetime. Exchanges with a daemon are in RestSessionTest.cpp.
 
-#include <curl/curl.h>
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
 
 #include <algorithm>
 #include <atomic>
 #include <deque>
-#include <stdexcept>
 #include <string>
 #include <thread>
-#include <typeinfo>
 #include <vector>
 
-#include "RunCommand.h"
 #include "TestRestClient.h"
 #include "support/CaptureTraceServer.h"
+#include "support/Process.h"
 
 namespace {
 
@@ -131,20 +128,6 @@ TEST_F(RestClientTest, AccessTokenIsTheFirstTopLevelStringMember) {
     }
 }
 
-TEST_F(RestClientTest, JwtHoldsUntilTheNanosecondOfExp) {
-    CTestRestClient client(FakeClockSettings(300));
-    SetClock({0});
-    EXPECT_EQ(client.IsJwtValid(), 0u) << "no token yet";
-
-    SetClock({1000 * kSecond + kSecond / 2});
-    client.CreateJwt();
-    EXPECT_EQ(client.IsJwtValid(), 1u);
-    SetClock({1300 * kSecond});
-    EXPECT_EQ(client.IsJwtValid(), 1u);
-    SetClock({1300 * kSecond + 1});
-    EXPECT_EQ(client.IsJwtValid(), 0u);
-}
-
 // A clock that threads may read while a test moves it.
 std::atomic<int64_t> g_SharedNow{0};
 
@@ -205,58 +188,19 @@ TEST_F(RestClientTest, JwtClaimsAreIssuerIssuedAtAndExpiry) {
         EXPECT_EQ(client.m_sJwt, token);
 
         // A second implementation must accept the signature and read the same claims.
-        const CommandResult check =
-            RunCommand(std::string(TLR_PYTHON3) + " " + TLR_SOURCE_DIR +
-                       "/tests/rest/check_jwt.py " + ShellQuote(token) + " --ignore-exp");
-        ASSERT_EQ(check.nStatus, 0) << token;
+        const ProcessResult check =
+            RunProcess({TLR_PYTHON3, SourcePath("tests/rest/check_jwt.py"), token, "--ignore-exp"});
+        ASSERT_EQ(check.exitCode, 0) << token;
         rapidjson::Document doc;
-        doc.Parse(check.sOut.c_str());
-        ASSERT_TRUE(doc.IsObject()) << check.sOut;
+        doc.Parse(check.out.c_str());
+        ASSERT_TRUE(doc.IsObject()) << check.out;
         EXPECT_STREQ(doc["header"]["typ"].GetString(), "JWT");
         EXPECT_STREQ(doc["header"]["alg"].GetString(), "HS256");
         const rapidjson::Value& claims = doc["claims"];
-        EXPECT_EQ(claims.MemberCount(), 3u) << check.sOut;
+        EXPECT_EQ(claims.MemberCount(), 3u) << check.out;
         EXPECT_STREQ(claims["iss"].GetString(), "TLRM_CLIENT_TLAS");
         EXPECT_EQ(claims["iat"].GetInt64(), row.iat);
         EXPECT_EQ(claims["exp"].GetInt64(), row.exp);
-    }
-}
-
-TEST_F(RestClientTest, TokensWithoutUsableExpThrowFromTheValidityTest) {
-    // Signed with the shared key by another implementation: {"iss":..,"iat":1} and the same
-    // with "exp":"soon".
-    const std::string noExp =
-        "eyJhbGciOiJIUzI1NiIsInR5cCI6IkpXVCJ9.eyJpc3MiOiJUTFJNX0NMSUVOVF9UTEFTIiwiaWF0IjoxfQ."
-        "gVWneslyFgyAw1oqzZGlUgjQz16AvS6tZGzSpGIXoeg";
-    const std::string textExp =
-        "eyJhbGciOiJIUzI1NiIsInR5cCI6IkpXVCJ9."
-        "eyJpc3MiOiJUTFJNX0NMSUVOVF9UTEFTIiwiaWF0IjoxLCJleHAiOiJzb29uIn0."
-        "Cq8m5WLWMMFn1TT6jGgpEp7sf-OqCmqWoKxN5b86pcE";
-    CTestRestClient client;
-    client.m_sJwt = noExp;
-    try {
-        client.IsJwtValid();
-        ADD_FAILURE() << "no exception";
-    } catch (const std::runtime_error& e) {
-        EXPECT_STREQ(e.what(), "claim not found");
-    }
-    client.m_sJwt = textExp;
-    EXPECT_THROW(client.IsJwtValid(), std::bad_cast);
-    client.m_sJwt = "not a token";
-    EXPECT_ANY_THROW(client.IsJwtValid());
-}
-
-TEST_F(RestClientTest, HeaderListHasContentTypeThenBearer) {
-    for (const std::string token : {"", "0123abcd"}) {
-        SCOPED_TRACE(token);
-        CTestRestClient client;
-        std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)> list(
-            client.AddAuthBearerHeader(token), curl_slist_free_all);
-        std::vector<std::string> lines;
-        for (const curl_slist* item = list.get(); item; item = item->next)
-            lines.push_back(item->data);
-        EXPECT_EQ(lines, (std::vector<std::string>{"Content-Type: application/json",
-                                                   "Authorization: Bearer " + token}));
     }
 }
 

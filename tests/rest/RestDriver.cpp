@@ -1,10 +1,9 @@
 // tlr-rest-driver: runs REST client operations for the session tests, inside the sandbox.
 //
-//   tlr-rest-driver [--lifetime SEC] STEP...
-//   tlr-rest-driver [--lifetime SEC] --thread STEP... [--thread STEP...]...
+//   tlr-rest-driver STEP...
+//   tlr-rest-driver --thread STEP... [--thread STEP...]...
 //     sdt:TIMEOUT              GetXmlSdt
 //     redfish:TIMEOUT:BODY     SendRedfishRequest
-//     sleep:MS                 waits
 //
 // One client serves all steps, so that its JWT carries from step to step. Each step prints
 // one JSON line: {"step","ok","out","jwt","access_token","trace":[messages]}. The out text
@@ -17,7 +16,6 @@
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
@@ -105,8 +103,6 @@ bool RunStep(int thread, const std::string& step, CTestRestClient& client, std::
         const uint32_t timeout = static_cast<uint32_t>(strtoul(rest.c_str(), nullptr, 10));
         const bool ok = client.SendRedfishRequest(rest.substr(second + 1), out, timeout);
         PrintStep(thread, name, ok, out, client);
-    } else if (name == "sleep") {
-        std::this_thread::sleep_for(std::chrono::milliseconds(strtol(rest.c_str(), nullptr, 10)));
     } else {
         error = "unknown step " + step;
         return false;
@@ -122,13 +118,8 @@ int Usage(const std::string& error) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    TLRAIDRestClientSettings settings;
-    int first = 1;
-    if (argc > 2 && std::string(argv[1]) == "--lifetime") {
-        settings.nTokenLifetime = strtoll(argv[2], nullptr, 10);
-        first = 3;
-    }
-    CTestRestClient client(settings);
+    const int first = 1;
+    CTestRestClient client;
     Debug.TakeMessages();
 
     if (first < argc && std::string(argv[first]) == "--thread") {

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "RunCommand.h"
+#include "support/Process.h"
 
 std::vector<rapidjson::Document> ParseLines(const std::string& text) {
     std::vector<rapidjson::Document> lines;
@@ -35,12 +35,6 @@ std::string IssuedToken(const rapidjson::Value& request) {
     return Str(reply, "access_token");
 }
 
-std::string FormJwt(const rapidjson::Value& request) {
-    const std::string body = Str(request, "body");
-    const size_t start = body.find("jwt=") + 4;
-    return body.substr(start, body.find('&') - start);
-}
-
 std::string ReadFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
@@ -66,22 +60,20 @@ void RestSandboxTest::TearDown() {
 }
 
 Session RestSandboxTest::Run(const std::vector<std::string>& steps,
-                             const std::string& sandboxOptions, const std::string& simOptions,
-                             const std::string& driverOptions, bool withSim) {
-    const std::string build = TLR_BUILD_DIR;
-    std::string command = build + "/sandbox --trace-level 6 " + sandboxOptions;
+                             const std::vector<std::string>& sandboxOptions, bool withSim) {
+    std::vector<std::string> options = {"--trace-level", "6"};
+    options.insert(options.end(), sandboxOptions.begin(), sandboxOptions.end());
     if (withSim) {
-        command += " --sim " + ShellQuote("--tree " + m_sTree + " --control " + m_sControl +
-                                          " --log " + m_sLog + " " + simOptions);
+        options.insert(options.end(), {"--sim", "--tree " + m_sTree + " --control " + m_sControl +
+                                                    " --log " + m_sLog});
     }
-    command += " -- " + build + "/tests/tlr-rest-driver " + driverOptions;
-    for (const std::string& step : steps)
-        command += " " + ShellQuote(step);
-    const CommandResult result = RunCommand(command);
+    std::vector<std::string> argv = {BuildPath("tests/tlr-rest-driver")};
+    argv.insert(argv.end(), steps.begin(), steps.end());
+    const ProcessResult result = RunProcess(InSandbox(options, argv));
     Session session;
-    session.nStatus = result.nStatus;
-    session.sOut = result.sOut;
-    session.steps = ParseLines(result.sOut);
+    session.nStatus = result.exitCode;
+    session.sOut = result.out;
+    session.steps = ParseLines(result.out);
     session.requests = ParseLines(ReadFile(m_sLog));
     return session;
 }

@@ -22,8 +22,6 @@ std::vector<rapidjson::Document> ParseLines(const std::string& text);
 std::string Str(const rapidjson::Value& object, const char* key);
 // The access token that a login reply carried.
 std::string IssuedToken(const rapidjson::Value& request);
-// The JWT of a login's form.
-std::string FormJwt(const rapidjson::Value& request);
 std::string ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const std::string& text);
 
@@ -35,9 +33,8 @@ class RestSandboxTest : public ::testing::Test {
     void TearDown() override;
 
     // Runs the driver's steps in the sandbox, with the simulator unless withSim is false.
-    Session Run(const std::vector<std::string>& steps, const std::string& sandboxOptions = "",
-                const std::string& simOptions = "", const std::string& driverOptions = "",
-                bool withSim = true);
+    Session Run(const std::vector<std::string>& steps,
+                const std::vector<std::string>& sandboxOptions = {}, bool withSim = true);
 
     std::string m_sInitialTree;
     std::string m_sDir;

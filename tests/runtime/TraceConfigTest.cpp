@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "runtime/DebugClient.h"
 #include "support/CaptureTraceServer.h"
@@ -75,48 +77,44 @@ TEST_F(TraceEnvironment, FileLevelIsRead) {
     EXPECT_TRUE(client.IsEnabled());
 }
 
-TEST_F(TraceEnvironment, KeyValuesUseBaseZeroAndSkipNewlines) {
+TEST_F(TraceEnvironment, LevelByTheFilesOfTheDirectory) {
+    const std::string end = "[EndOfFile]\n";
     struct Row {
-        const char* value;
+        const char* what;
+        std::vector<std::pair<std::string, std::string>> files;
         uint32_t level;
-    } rows[] = {{"0x5", 5}, {"010", 8}, {"16", 16}, {"\n7", 7}, {"  \n\t 4", 4}, {"abc", 0}};
+    } rows[] = {
+        {"hex", {{"global_trace.ini", ModuleFile("0x5")}}, 5},
+        {"octal", {{"global_trace.ini", ModuleFile("010")}}, 8},
+        {"newlines skipped", {{"global_trace.ini", ModuleFile("  \n\t 4")}}, 4},
+        {"no number", {{"global_trace.ini", ModuleFile("abc")}}, 0},
+        {"the key's text matches inside a comment first",
+         {{"t.ini", "[EM_TLRAID]\n; FileDebugLevel = 9 is loud\nFileDebugLevel=2\n" + end}},
+         9},
+        {"last section in any case",
+         {{"t.ini", "[EM_TLRAID]\nFileDebugLevel=3\n[endoffile]\n"}},
+         3},
+        {"last section misspelt", {{"t.ini", "[EM_TLRAID]\nFileDebugLevel=3\n[EndOfFil]\n"}}, 0},
+        {"no last section", {{"t.ini", "[EM_TLRAID]\nFileDebugLevel=3\n"}}, 0},
+        {"the section ends at the next one",
+         {{"t.ini", "[em_tlraid]\nTraceFlags=1\n[Other]\nFileDebugLevel=6\n" + end}},
+         0},
+        {"section names in any case, exactly",
+         {{"t.ini", "[EM_TLRAIDX]\nFileDebugLevel=6\n[em_tlraid]\nFileDebugLevel=2\n" + end}},
+         2},
+        {"the first file in sorted order with the section",
+         {{"b.ini", ModuleFile("4")},
+          {"a.ini.bak", ModuleFile("5")},
+          {".#c.ini", ModuleFile("6")},
+          {"notes.txt", ModuleFile("1")}},
+         5},
+    };
     for (const Row& row : rows) {
-        m_Dir.Write("global_trace.ini", ModuleFile(row.value));
-        EXPECT_EQ(LevelFor(m_Dir.Path()), row.level) << "value: " << row.value;
+        TempDir dir;
+        for (const auto& [name, text] : row.files)
+            dir.Write(name, text);
+        EXPECT_EQ(LevelFor(dir.Path()), row.level) << row.what;
     }
-}
-
-TEST_F(TraceEnvironment, KeyTextMatchesInsideCommentsFirst) {
-    m_Dir.Write(
-        "global_trace.ini",
-        "[EM_TLRAID]\n; FileDebugLevel = 9 is the loudest\nFileDebugLevel=2\n[EndOfFile]\n");
-    EXPECT_EQ(LevelFor(m_Dir.Path()), 9u);
-}
-
-TEST_F(TraceEnvironment, LastSectionMustBeEndOfFile) {
-    m_Dir.Write("global_trace.ini", "[EM_TLRAID]\nFileDebugLevel=3\n[endoffile]\n");
-    EXPECT_EQ(LevelFor(m_Dir.Path()), 3u);
-    m_Dir.Write("global_trace.ini", "[EM_TLRAID]\nFileDebugLevel=3\n[EndOfFil]\n");
-    EXPECT_EQ(LevelFor(m_Dir.Path()), 0u);
-    m_Dir.Write("global_trace.ini", "[EM_TLRAID]\nFileDebugLevel=3\n");
-    EXPECT_EQ(LevelFor(m_Dir.Path()), 0u);
-}
-
-TEST_F(TraceEnvironment, SectionNameIgnoresCaseAndStopsAtNextSection) {
-    m_Dir.Write("global_trace.ini",
-                "[em_tlraid]\nTraceFlags=1\n[Other]\nFileDebugLevel=6\n[EndOfFile]");
-    EXPECT_EQ(LevelFor(m_Dir.Path()), 0u);
-    m_Dir.Write("global_trace.ini",
-                "[EM_TLRAIDX]\nFileDebugLevel=6\n[em_tlraid]\nFileDebugLevel=2\n[EndOfFile]");
-    EXPECT_EQ(LevelFor(m_Dir.Path()), 2u);
-}
-
-TEST_F(TraceEnvironment, FirstFileWithTheSectionWinsInSortedOrder) {
-    m_Dir.Write("b.ini", ModuleFile("4"));
-    m_Dir.Write("a.ini.bak", ModuleFile("5"));
-    m_Dir.Write(".#c.ini", ModuleFile("6"));
-    m_Dir.Write("notes.txt", ModuleFile("1"));
-    EXPECT_EQ(LevelFor(m_Dir.Path()), 5u);
 }
 
 TEST_F(TraceEnvironment, EnvironmentOverridesFileButNotAnEmptyListing) {
@@ -127,12 +125,6 @@ TEST_F(TraceEnvironment, EnvironmentOverridesFileButNotAnEmptyListing) {
     EXPECT_EQ(LevelFor(m_Dir.Path() + "/missing"), 3u);
     m_Dir.Write("global_trace.ini", ModuleFile("1"));
     EXPECT_EQ(LevelFor(m_Dir.Path()), 3u);
-}
-
-TEST_F(TraceEnvironment, InitializeRefusesAnEmptyName) {
-    CDebugClient client(m_Dir.Path().c_str(), FakeClock);
-    EXPECT_EQ(client.Initialize(nullptr), 0);
-    EXPECT_EQ(client.Initialize(""), 0);
 }
 
 TEST_F(TraceEnvironment, LevelTestLetsEqualLevelsPass) {
