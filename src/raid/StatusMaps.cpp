@@ -91,18 +91,17 @@ constexpr Pair kLogicalDriveStates[] = {{kLdOperational, a::kLogicalOperational}
                                         {kLdPartiallyDegraded, a::kLogicalPartiallyDegraded},
                                         {kLdFailed, a::kLogicalFailed},
                                         {kLdImpacted, a::kLogicalImpacted}};
-constexpr Pair kBatteryStates[] = {
-    {kBatteryNormal, answer::kBatteryNormal},
-    {::kBatteryVoltageProblem, answer::kBatteryVoltageProblem},
-    {::kBatteryCharging, answer::kBatteryCharging},
-    {::kBatteryDischarging, answer::kBatteryDischarging},
-    {::kBatteryWarning, answer::kBatteryWarning},
-    {::kBatteryFailed, answer::kBatteryFailed},
-    {::kBatteryTemperatureProblem, answer::kBatteryTemperatureProblem}};
-constexpr Pair kLearnCycles[] = {{::kLearnCycleRequested, answer::kLearnCycleRequested},
-                                 {::kLearnCycleActive, answer::kLearnCycleActive},
-                                 {::kLearnCycleTimeout, answer::kLearnCycleTimedOut},
-                                 {::kLearnCycleFailed, answer::kLearnCycleFailed}};
+constexpr Pair kBatteryStates[] = {{kBatNormal, answer::kBatteryNormal},
+                                   {kBatVoltageProblem, answer::kBatteryVoltageProblem},
+                                   {kBatCharging, answer::kBatteryCharging},
+                                   {kBatDischarging, answer::kBatteryDischarging},
+                                   {kBatWarning, answer::kBatteryWarning},
+                                   {kBatFailed, answer::kBatteryFailed},
+                                   {kBatTemperatureProblem, answer::kBatteryTemperatureProblem}};
+constexpr Pair kLearnCycles[] = {{kLcRequested, answer::kLearnCycleRequested},
+                                 {kLcActive, answer::kLearnCycleActive},
+                                 {kLcTimeout, answer::kLearnCycleTimedOut},
+                                 {kLcFailed, answer::kLearnCycleFailed}};
 
 }  // namespace
 
@@ -148,7 +147,7 @@ uint32_t LogicalDriveStatus(int32_t value) {
 uint32_t BatteryStatus(int32_t value) {
     // The client's numbers are the tree's, but for the temperature problem; 1 is never read
     // from a tree and passes as it is.
-    if (value > kBatteryNormal && value < ::kBatteryVoltageProblem)
+    if (value > kBatNormal && value < kBatVoltageProblem)
         return static_cast<uint32_t>(value);
     return Lookup(kBatteryStates, value);
 }

@@ -68,13 +68,13 @@ constexpr StatusWord kLogicalDriveWords[] = {
 };
 
 constexpr StatusWord kBatteryWords[] = {
-    {"Normal", kBatteryNormal},
-    {"Temperature Problem", kBatteryTemperatureProblem},
-    {"Voltage Problem", kBatteryVoltageProblem},
-    {"Charging", kBatteryCharging},
-    {"Discharging", kBatteryDischarging},
-    {"Warning", kBatteryWarning},
-    {"Failed", kBatteryFailed},
+    {"Normal", kBatNormal},
+    {"Temperature Problem", kBatTemperatureProblem},
+    {"Voltage Problem", kBatVoltageProblem},
+    {"Charging", kBatCharging},
+    {"Discharging", kBatDischarging},
+    {"Warning", kBatWarning},
+    {"Failed", kBatFailed},
 };
 
 constexpr StatusWord kThreeWayWords[] = {
@@ -117,10 +117,10 @@ const DriveStatusRow* FindDriveStatusRow(const char* pszWord) {
 }  // namespace
 
 const StatusWord kLearnCycleWords[kLearnCyclePasses] = {
-    {"Learn Cycle Failed", kLearnCycleFailed},
-    {"Learn Cycle Timeout", kLearnCycleTimeout},
-    {"Learn Cycle Active", kLearnCycleActive},
-    {"Learn Cycle Requested", kLearnCycleRequested},
+    {"Learn Cycle Failed", kLcFailed},
+    {"Learn Cycle Timeout", kLcTimeout},
+    {"Learn Cycle Active", kLcActive},
+    {"Learn Cycle Requested", kLcRequested},
 };
 
 int32_t PhysicalDriveStatusIndexFromText(const char* pszWord) {
@@ -173,7 +173,7 @@ int32_t LogicalDriveStatusFromText(const char* pszWord) {
 }
 
 int32_t BatteryStatusFromText(const char* pszWord) {
-    return Lookup(kBatteryWords, pszWord, kBatteryNormal);
+    return Lookup(kBatteryWords, pszWord, kBatNormal);
 }
 
 int32_t ThreeWayStatusFromText(const char* pszWord) {

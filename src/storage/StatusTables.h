@@ -6,7 +6,9 @@
 
 // The maps from the storage tree's words to the numbers that the module hands on. Each map
 // has its own space of numbers; they are not aligned with one another on purpose. Words are
-// compared without regard to case, top to bottom; "contains" tests respect case.
+// compared without regard to case, top to bottom; "contains" tests respect case. The names
+// carry prefixes of their own (kPd, kLd, kBat, kLc), apart from the client's numbers in
+// answer::, which differ in places.
 
 // A word that no row takes, and a getter's missing element.
 constexpr int32_t kNotMapped = -1;
@@ -80,22 +82,22 @@ enum LogicalDriveStatus : int32_t {
 
 // Battery states; 1 is not given out, and a word outside the table reads as normal.
 enum BatteryStatus : int32_t {
-    kBatteryNormal = 0,
-    kBatteryVoltageProblem = 2,
-    kBatteryCharging = 3,
-    kBatteryDischarging = 4,
-    kBatteryWarning = 5,
-    kBatteryFailed = 6,
-    kBatteryTemperatureProblem = 7,
+    kBatNormal = 0,
+    kBatVoltageProblem = 2,
+    kBatCharging = 3,
+    kBatDischarging = 4,
+    kBatWarning = 5,
+    kBatFailed = 6,
+    kBatTemperatureProblem = 7,
 };
 
-// Learn cycle answers; kLearnCycleNoWord when no AdditionalStatus (or no Battery) is there.
+// Learn cycle words; kLcNoWord when no AdditionalStatus (or no Battery) is there.
 enum LearnCycleStatus : int32_t {
-    kLearnCycleNoWord = 0,
-    kLearnCycleRequested = 1,
-    kLearnCycleActive = 2,
-    kLearnCycleTimeout = 3,
-    kLearnCycleFailed = 4,
+    kLcNoWord = 0,
+    kLcRequested = 1,
+    kLcActive = 2,
+    kLcTimeout = 3,
+    kLcFailed = 4,
 };
 
 // Enclosures, adapters and the multiplexer's totals.
