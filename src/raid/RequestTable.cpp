@@ -84,7 +84,8 @@ const RequestRow kRows[] = {
     // Adapters.
     Plain(oc::kAdapterCount, Steps::kSnapshot, rows::AdapterCount),
     On(oc::kAdapterName, kOfAdapter, rows::Name),
-    Mapped(oc::kAdapterType, kOfAdapter, rows::MappedByte, &T::GetAdapterType, nullptr),
+    Mapped(oc::kAdapterType, kOfAdapter, rows::MappedByte, &T::GetAdapterType,
+           status_map::AdapterType),
     Mapped(oc::kAdapterStatus, kOfAdapter, rows::MappedByte, &T::GetAdapterStatus, AdapterStatus),
     On(oc::kAdapterDeviceId, kOfAdapter, rows::AdapterDeviceId),
     On(oc::kAdapterPciIdentity, kOfAdapter, rows::AdapterPciIdentity),

@@ -74,6 +74,11 @@ constexpr Pair kSmartCodes[] = {
 constexpr Pair kAdapterStatuses[] = {{kStatusOk, a::kAdapterOk},
                                      {kStatusWarning, a::kAdapterWarning},
                                      {kStatusFailed, a::kAdapterFailed}};
+constexpr Pair kAdapterTypes[] = {{kAdpScsi, a::kAdapterScsi}, {kAdpAtapi, a::kAdapterAtapi},
+                                  {kAdpAta, a::kAdapterAta},   {kAdp1394, a::kAdapter1394},
+                                  {kAdpSsa, a::kAdapterSsa},   {kAdpFibre, a::kAdapterFibre},
+                                  {kAdpUsb, a::kAdapterUsb},   {kAdpSata, a::kAdapterSata},
+                                  {kAdpSas, a::kAdapterSas},   {kAdpPcie, a::kAdapterPcie}};
 constexpr Pair kThreeWay[] = {{kStatusOk, a::kOverallOk},
                               {kStatusWarning, a::kOverallWarning},
                               {kStatusFailed, a::kOverallFailed}};
@@ -107,6 +112,10 @@ constexpr Pair kLearnCycles[] = {{kLcRequested, answer::kLearnCycleRequested},
 
 uint32_t AdapterStatus(int32_t value) {
     return Lookup(kAdapterStatuses, value);
+}
+
+uint32_t AdapterType(int32_t value) {
+    return Lookup(kAdapterTypes, value);
 }
 
 uint32_t DriveStatus(int32_t index) {

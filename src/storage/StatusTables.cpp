@@ -81,11 +81,9 @@ constexpr StatusWord kThreeWayWords[] = {
     {"OK", kStatusOk}, {"Warning", kStatusWarning}, {"Failed", kStatusFailed}};
 
 constexpr StatusWord kAdapterTypeWords[] = {
-    {"SCSI", answer::kAdapterScsi}, {"ATAPI", answer::kAdapterAtapi},
-    {"ATA", answer::kAdapterAta},   {"1394", answer::kAdapter1394},
-    {"SSA", answer::kAdapterSsa},   {"FIBRE", answer::kAdapterFibre},
-    {"USB", answer::kAdapterUsb},   {"SATA", answer::kAdapterSata},
-    {"SAS", answer::kAdapterSas},   {"PCIe", answer::kAdapterPcie},
+    {"SCSI", kAdpScsi}, {"ATAPI", kAdpAtapi}, {"ATA", kAdpAta}, {"1394", kAdp1394},
+    {"SSA", kAdpSsa},   {"FIBRE", kAdpFibre}, {"USB", kAdpUsb}, {"SATA", kAdpSata},
+    {"SAS", kAdpSas},   {"PCIe", kAdpPcie},
 };
 
 // SMART in capitals marks a SMART state; the lower-case spellings don't count here.

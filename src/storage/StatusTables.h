@@ -2,13 +2,11 @@
 
 #include <cstdint>
 
-#include "frame/SwitchProtocol.h"
-
 // The maps from the storage tree's words to the numbers that the module hands on. Each map
 // has its own space of numbers; they are not aligned with one another on purpose. Words are
 // compared without regard to case, top to bottom; "contains" tests respect case. The names
-// carry prefixes of their own (kPd, kLd, kBat, kLc), apart from the client's numbers in
-// answer::, which differ in places.
+// carry prefixes of their own (kPd, kLd, kBat, kLc, kAdp), apart from the numbers that
+// clients receive, which the module maps these to and which differ in places.
 
 // A word that no row takes, and a getter's missing element.
 constexpr int32_t kNotMapped = -1;
@@ -100,6 +98,20 @@ enum LearnCycleStatus : int32_t {
     kLcFailed = 4,
 };
 
+// Adapter types, numbered in the order of the tree's words.
+enum AdapterTypeWord : int32_t {
+    kAdpScsi = 0,
+    kAdpAtapi = 1,
+    kAdpAta = 2,
+    kAdp1394 = 3,
+    kAdpSsa = 4,
+    kAdpFibre = 5,
+    kAdpUsb = 6,
+    kAdpSata = 7,
+    kAdpSas = 8,
+    kAdpPcie = 9,
+};
+
 // Enclosures, adapters and the multiplexer's totals.
 enum ThreeWayStatus : int32_t { kStatusOk = 0, kStatusWarning = 1, kStatusFailed = 2 };
 
@@ -123,5 +135,4 @@ int32_t PhysicalDriveTypeFromText(const char* pszWord);
 int32_t LogicalDriveStatusFromText(const char* pszWord);
 int32_t BatteryStatusFromText(const char* pszWord);
 int32_t ThreeWayStatusFromText(const char* pszWord);
-// Adapter types are the numbers a client receives (answer::AdapterType).
 int32_t AdapterTypeFromText(const char* pszWord);
