@@ -16,6 +16,7 @@
 
 #include "RunCommand.h"
 #include "TestRestClient.h"
+#include "rest/CurlHandles.h"
 #include "support/CaptureTraceServer.h"
 
 namespace {
@@ -250,8 +251,7 @@ TEST_F(RestClientTest, HeaderListHasContentTypeThenBearer) {
     for (const std::string token : {"", "0123abcd"}) {
         SCOPED_TRACE(token);
         CTestRestClient client;
-        std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)> list(
-            client.AddAuthBearerHeader(token), curl_slist_free_all);
+        const CurlSlistPtr list = client.AddAuthBearerHeader(token);
         std::vector<std::string> lines;
         for (const curl_slist* item = list.get(); item; item = item->next)
             lines.push_back(item->data);
