@@ -118,7 +118,7 @@ uint32_t CriticalThreshold(Request& r) {
 // Nothing is stored: 0 is taken, anything else refused. Only the low byte counts.
 uint32_t SetValue(Request& r) {
     uint32_t nValue = 0;
-    r.record.GetDataUInt(r.record.m_nCurrentCommand, nValue);
+    r.record.GetDataUInt(nValue);
     r.record.SetStatus((nValue & 0xFF) == 0 ? status::kOk : status::kValueRefused);
     return kDealtWith;
 }

@@ -18,7 +18,7 @@ constexpr uint32_t kTestValueMask = 0xFF;
 
 // The request's text from its first byte; false when its data holds none.
 bool RequestText(CRequest& r, std::string& text) {
-    return r.m_Record.GetDataString(r.m_Record.m_nCurrentCommand, text, 0);
+    return r.m_Record.GetDataString(text, 0);
 }
 
 void ExportTree(CRequest& r, const RequestRow&) {
@@ -124,7 +124,7 @@ void SetTestAttribute(CRequest& r, const RequestRow&) {
             continue;
         if (r.m_Record.HasData()) {
             uint32_t value = 0;
-            r.m_Record.GetDataUInt(r.m_Record.m_nCurrentCommand, value);
+            r.m_Record.GetDataUInt(value);
             value &= kTestValueMask;
             r.m_Module.SetTestAttribute(attribute.pszName, value);
             r.AnswerStatus(status::kOk);
