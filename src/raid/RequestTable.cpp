@@ -23,9 +23,6 @@ namespace {
 
 using T = CTLRaidData;
 
-constexpr RequestRow Plain(uint32_t code, Steps steps, RowHandler handler) {
-    return {code, steps, handler, nullptr, false, nullptr, nullptr, nullptr, nullptr};
-}
 // A row on an object of an adapter (OE, OI), or on the adapter OI when the getter is null.
 constexpr RequestRow On(uint32_t code, CRequest::ObjectGetter get, RowHandler handler) {
     RequestRow row = Plain(code, get ? Steps::kObject : Steps::kAdapterOi, handler);

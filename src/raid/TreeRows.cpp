@@ -140,8 +140,9 @@ void SetTestAttribute(CRequest& r, const RequestRow&) {
     }
 }
 
+// Rows that take their own steps.
 constexpr RequestRow Own(uint32_t code, RowHandler handler) {
-    return {code, Steps::kNone, handler, nullptr, false, nullptr, nullptr, nullptr, nullptr};
+    return Plain(code, Steps::kNone, handler);
 }
 
 const RequestRow kTreeRows[] = {
