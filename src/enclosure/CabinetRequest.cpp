@@ -137,7 +137,8 @@ uint32_t CriticalThreshold(Request& r) {
 uint32_t SetValue(Request& r) {
     uint32_t nValue = 0;
     r.record.GetDataUInt(nValue);
-    r.record.SetStatus((nValue & 0xFF) == 0 ? status::kOk : status::kValueRefused);
+    r.record.SetStatus((nValue & CommandRecord::kLowByteMask) == 0 ? status::kOk
+                                                                   : status::kValueRefused);
     return kDealtWith;
 }
 
@@ -260,8 +261,9 @@ void AnswerCabinetList(const EnclosureMap& map, CommandRecord& record) {
     GetCabinetNumbers(map, numbers);
     std::vector<uint8_t> bytes;
     for (uint32_t n : numbers) {
-        bytes.push_back(static_cast<uint8_t>(n & 0xFF));
-        bytes.push_back(static_cast<uint8_t>((n >> 8) & 0xFF));
+        // Two bytes a number, the low one first.
+        bytes.push_back(static_cast<uint8_t>(n));
+        bytes.push_back(static_cast<uint8_t>(n >> 8));
     }
     // No cabinets is an answer too: no data, and status 0.
     record.SetDataRaw(bytes, status::kOk);

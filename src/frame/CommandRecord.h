@@ -16,6 +16,8 @@
 class CommandRecord {
   public:
     static constexpr uint32_t kAllCabinets = 0xFFFFFFFF;
+    // A data byte is the low eight bits of a value; the rest is dropped.
+    static constexpr uint32_t kLowByteMask = 0xFF;
 
     // An empty record: no SIP, so every read gives its default and every write is lost.
     CommandRecord();

@@ -53,7 +53,7 @@ void CommandRecord::SetStatus(uint32_t status) {
 }
 
 void CommandRecord::SetDataByte(int value, uint32_t status) {
-    SetField("DA", rapidjson::Value(static_cast<unsigned>(value & 0xFF)));
+    SetField("DA", rapidjson::Value(static_cast<unsigned>(value & kLowByteMask)));
     SetStatus(status);
 }
 

@@ -17,7 +17,7 @@ bool StatusAccepted(const CommandRecord& record) {
 bool FlagOf(const CommandRecord& record) {
     uint32_t value = 0;
     record.GetDataUInt(value);
-    return (value & 0xFF) != 0;
+    return (value & CommandRecord::kLowByteMask) != 0;
 }
 
 }  // namespace

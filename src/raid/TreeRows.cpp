@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr uint32_t kTestValueMask = 0xFF;
+constexpr uint32_t kTestValueMask = CommandRecord::kLowByteMask;
 
 // The request's text from its first byte; false when its data holds none.
 bool RequestText(CRequest& r, std::string& text) {

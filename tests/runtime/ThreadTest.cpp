@@ -34,7 +34,7 @@ TEST(ThreadTest, KillJoinsAJoinableThreadOnce) {
     ScopedTraceLevel level(2);
     Worker worker;
     CThread thread;
-    ASSERT_TRUE(thread.Start(Worker::Run, &worker, 63, false, 0, 0, true));
+    ASSERT_TRUE(thread.Start(Worker::Run, &worker, CThread::Options::Waitable(63)));
     EXPECT_NE(thread.Handle(), 0u);
     while (worker.runs == 0)
         std::this_thread::yield();
@@ -52,7 +52,7 @@ TEST(ThreadTest, KillJoinsAJoinableThreadOnce) {
 TEST(ThreadTest, StartWaitsForTheRunningThreadFirst) {
     Worker worker;
     CThread thread;
-    ASSERT_TRUE(thread.Start(Worker::Run, &worker, 0, false, 0, 0, true));
+    ASSERT_TRUE(thread.Start(Worker::Run, &worker, CThread::Options::Waitable(0)));
     while (worker.runs == 0)
         std::this_thread::yield();
     std::thread releaser([&] {
@@ -60,7 +60,7 @@ TEST(ThreadTest, StartWaitsForTheRunningThreadFirst) {
         EXPECT_EQ(worker.runs, 1);  // the second Start is still blocked in Kill
         worker.stop.Set();
     });
-    ASSERT_TRUE(thread.Start(Worker::Run, &worker, 0, false, 0, 0, true));
+    ASSERT_TRUE(thread.Start(Worker::Run, &worker, CThread::Options::Waitable(0)));
     releaser.join();
     while (worker.runs < 2)
         std::this_thread::yield();
@@ -71,7 +71,7 @@ TEST(ThreadTest, DestructionJoinsTheThread) {
     Worker worker;
     {
         CThread thread;
-        ASSERT_TRUE(thread.Start(Worker::Run, &worker, 63, false, 0, 0, true));
+        ASSERT_TRUE(thread.Start(Worker::Run, &worker, CThread::Options::Waitable(63)));
         worker.stop.Set();
     }
     EXPECT_EQ(worker.runs, 1);
