@@ -34,13 +34,31 @@ struct Request {
 // Answers a request whose OI is within its bound; gives the result of the request.
 using Answer = uint32_t (*)(Request& r);
 
+// One object code (and selector): a row is built by a maker below that sets the members it
+// needs by name; the others keep their defaults.
 struct Row {
-    uint32_t nOc;
-    bool bBySelector;  // the row is for one OE only
-    uint32_t nOe;
-    Bound bound;
-    Answer answer;
+    uint32_t nOc = 0;
+    bool bBySelector = false;  // the row is for one OE only
+    uint32_t nOe = 0;
+    Bound bound = Bound::kNone;
+    Answer answer = nullptr;
 };
+
+// A row for any OE, whose OI is held against bound.
+constexpr Row AnyOe(uint32_t nOc, Bound bound, Answer answer) {
+    Row row;
+    row.nOc = nOc;
+    row.bound = bound;
+    row.answer = answer;
+    return row;
+}
+// A row for one OE only.
+constexpr Row OneOe(uint32_t nOc, uint32_t nOe, Bound bound, Answer answer) {
+    Row row = AnyOe(nOc, bound, answer);
+    row.bBySelector = true;
+    row.nOe = nOe;
+    return row;
+}
 
 constexpr uint32_t kDealtWith = 1;
 constexpr uint32_t kNotDealtWith = 0;
@@ -118,8 +136,9 @@ uint32_t CriticalThreshold(Request& r) {
 // Nothing is stored: 0 is taken, anything else refused. Only the low byte counts.
 uint32_t SetValue(Request& r) {
     uint32_t nValue = 0;
-    r.record.GetDataUInt(r.record.m_nCurrentCommand, nValue);
-    r.record.SetStatus((nValue & 0xFF) == 0 ? status::kOk : status::kValueRefused);
+    r.record.GetDataUInt(nValue);
+    r.record.SetStatus((nValue & CommandRecord::kLowByteMask) == 0 ? status::kOk
+                                                                   : status::kValueRefused);
     return kDealtWith;
 }
 
@@ -141,49 +160,46 @@ uint32_t CabinetPresent(Request& r) {
 }
 
 constexpr Row kRows[] = {
-    {oc::CM_PowerOnStatus, false, 0, Bound::kNone, PowerOnStatus},
-    {oc::kFanCount, false, 0, Bound::kNone, CabinetField<&CabinetRecord::FanCount>},
-    {oc::CM_FanStatus, false, 0, Bound::kFans,
-     ObjectField<&EnclosureMap::m_Fans, &FanRecord::Status>},
-    {oc::kFanWithoutData, false, 0, Bound::kNone, NoAnswer},
-    {oc::kFanLocation, false, 0, Bound::kFans,
-     ObjectField<&EnclosureMap::m_Fans, &FanRecord::Location>},
-    {oc::kFanName, false, 0, Bound::kFans, ObjectField<&EnclosureMap::m_Fans, &FanRecord::Name>},
-    {oc::kFanDesignation, false, 0, Bound::kFans,
-     ObjectField<&EnclosureMap::m_Fans, &FanRecord::Designation>},
-    {oc::kTempSensorCount, false, 0, Bound::kNone, CabinetField<&CabinetRecord::TempSensorCount>},
-    {oc::CM_TempSensorStatus, false, 0, Bound::kTempSensors,
-     ObjectField<&EnclosureMap::m_TempSensors, &TempSensorRecord::Status>},
-    {oc::kTempSensorTemperature, false, 0, Bound::kTempSensors,
-     ObjectField<&EnclosureMap::m_TempSensors, &TempSensorRecord::Temperature>},
-    {oc::kTempSensorLocation, false, 0, Bound::kTempSensors,
-     ObjectField<&EnclosureMap::m_TempSensors, &TempSensorRecord::Location>},
-    {oc::kTempSensorName, false, 0, Bound::kTempSensorsAbove,
-     ObjectField<&EnclosureMap::m_TempSensors, &TempSensorRecord::Name>},
-    {oc::kPowerSupplyCount, false, 0, Bound::kNone, CabinetField<&CabinetRecord::PowerSupplyCount>},
-    {oc::CM_PowerSupplyStatus, false, 0, Bound::kPowerSupplies,
-     ObjectField<&EnclosureMap::m_PowerSupplies, &PowerSupplyRecord::Status>},
-    {oc::kPowerSupplyName, false, 0, Bound::kPowerSupplies,
-     ObjectField<&EnclosureMap::m_PowerSupplies, &PowerSupplyRecord::Name>},
-    {oc::CM_PowerSupplyRedundancy, false, 0, Bound::kNone, PowerSupplyRedundancy},
-    {oc::kIdentityText, true, oc::kSelectChassisModel, Bound::kNone,
-     CabinetField<&CabinetRecord::ChassisModel>},
-    {oc::kIdentityText, true, oc::kSelectSerialNumber, Bound::kNone,
-     CabinetField<&CabinetRecord::SerialNumber>},
-    {oc::kIdentityText, true, oc::kSelectCabinetModel, Bound::kNone,
-     CabinetField<&CabinetRecord::CabinetModel>},
-    {oc::kIdentityText, true, oc::kSelectVendor, Bound::kNone,
-     CabinetField<&CabinetRecord::Vendor>},
-    {oc::kCabinetSettingRead, true, oc::kSelectFanSetting, Bound::kFans, ZeroValue},
-    {oc::kCabinetSettingRead, true, oc::kSelectSensorSetting, Bound::kTempSensors, ZeroValue},
-    {oc::kCabinetSettingRead, true, oc::kSelectSensorSettingSecond, Bound::kTempSensors, ZeroValue},
-    {oc::kCabinetSettingRead, true, oc::kSelectWarningTemperature, Bound::kTempSensors,
-     WarningThreshold},
-    {oc::kCabinetSettingRead, true, oc::kSelectCriticalTemperature, Bound::kTempSensors,
-     CriticalThreshold},
-    {oc::kCabinetSettingWrite, true, oc::kSelectFanSetting, Bound::kFans, SetValue},
-    {oc::kCabinetSettingWrite, true, oc::kSelectSensorSetting, Bound::kTempSensors, SetValue},
-    {oc::kCabinetPresent, false, 0, Bound::kNone, CabinetPresent},
+    AnyOe(oc::CM_PowerOnStatus, Bound::kNone, PowerOnStatus),
+    AnyOe(oc::kFanCount, Bound::kNone, CabinetField<&CabinetRecord::FanCount>),
+    AnyOe(oc::CM_FanStatus, Bound::kFans, ObjectField<&EnclosureMap::m_Fans, &FanRecord::Status>),
+    AnyOe(oc::kFanWithoutData, Bound::kNone, NoAnswer),
+    AnyOe(oc::kFanLocation, Bound::kFans, ObjectField<&EnclosureMap::m_Fans, &FanRecord::Location>),
+    AnyOe(oc::kFanName, Bound::kFans, ObjectField<&EnclosureMap::m_Fans, &FanRecord::Name>),
+    AnyOe(oc::kFanDesignation, Bound::kFans,
+          ObjectField<&EnclosureMap::m_Fans, &FanRecord::Designation>),
+    AnyOe(oc::kTempSensorCount, Bound::kNone, CabinetField<&CabinetRecord::TempSensorCount>),
+    AnyOe(oc::CM_TempSensorStatus, Bound::kTempSensors,
+          ObjectField<&EnclosureMap::m_TempSensors, &TempSensorRecord::Status>),
+    AnyOe(oc::kTempSensorTemperature, Bound::kTempSensors,
+          ObjectField<&EnclosureMap::m_TempSensors, &TempSensorRecord::Temperature>),
+    AnyOe(oc::kTempSensorLocation, Bound::kTempSensors,
+          ObjectField<&EnclosureMap::m_TempSensors, &TempSensorRecord::Location>),
+    AnyOe(oc::kTempSensorName, Bound::kTempSensorsAbove,
+          ObjectField<&EnclosureMap::m_TempSensors, &TempSensorRecord::Name>),
+    AnyOe(oc::kPowerSupplyCount, Bound::kNone, CabinetField<&CabinetRecord::PowerSupplyCount>),
+    AnyOe(oc::CM_PowerSupplyStatus, Bound::kPowerSupplies,
+          ObjectField<&EnclosureMap::m_PowerSupplies, &PowerSupplyRecord::Status>),
+    AnyOe(oc::kPowerSupplyName, Bound::kPowerSupplies,
+          ObjectField<&EnclosureMap::m_PowerSupplies, &PowerSupplyRecord::Name>),
+    AnyOe(oc::CM_PowerSupplyRedundancy, Bound::kNone, PowerSupplyRedundancy),
+    OneOe(oc::kIdentityText, oc::kSelectChassisModel, Bound::kNone,
+          CabinetField<&CabinetRecord::ChassisModel>),
+    OneOe(oc::kIdentityText, oc::kSelectSerialNumber, Bound::kNone,
+          CabinetField<&CabinetRecord::SerialNumber>),
+    OneOe(oc::kIdentityText, oc::kSelectCabinetModel, Bound::kNone,
+          CabinetField<&CabinetRecord::CabinetModel>),
+    OneOe(oc::kIdentityText, oc::kSelectVendor, Bound::kNone, CabinetField<&CabinetRecord::Vendor>),
+    OneOe(oc::kCabinetSettingRead, oc::kSelectFanSetting, Bound::kFans, ZeroValue),
+    OneOe(oc::kCabinetSettingRead, oc::kSelectSensorSetting, Bound::kTempSensors, ZeroValue),
+    OneOe(oc::kCabinetSettingRead, oc::kSelectSensorSettingSecond, Bound::kTempSensors, ZeroValue),
+    OneOe(oc::kCabinetSettingRead, oc::kSelectWarningTemperature, Bound::kTempSensors,
+          WarningThreshold),
+    OneOe(oc::kCabinetSettingRead, oc::kSelectCriticalTemperature, Bound::kTempSensors,
+          CriticalThreshold),
+    OneOe(oc::kCabinetSettingWrite, oc::kSelectFanSetting, Bound::kFans, SetValue),
+    OneOe(oc::kCabinetSettingWrite, oc::kSelectSensorSetting, Bound::kTempSensors, SetValue),
+    AnyOe(oc::kCabinetPresent, Bound::kNone, CabinetPresent),
 };
 
 const Row* FindRow(uint32_t nOc, uint32_t nOe) {
@@ -245,8 +261,9 @@ void AnswerCabinetList(const EnclosureMap& map, CommandRecord& record) {
     GetCabinetNumbers(map, numbers);
     std::vector<uint8_t> bytes;
     for (uint32_t n : numbers) {
-        bytes.push_back(static_cast<uint8_t>(n & 0xFF));
-        bytes.push_back(static_cast<uint8_t>((n >> 8) & 0xFF));
+        // Two bytes a number, the low one first.
+        bytes.push_back(static_cast<uint8_t>(n));
+        bytes.push_back(static_cast<uint8_t>(n >> 8));
     }
     // No cabinets is an answer too: no data, and status 0.
     record.SetDataRaw(bytes, status::kOk);

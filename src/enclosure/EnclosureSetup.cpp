@@ -1,5 +1,5 @@
-// The walk of set-up: adapters, their SAS ports, the enclosures behind them, and the fans,
-// sensors and supplies under an enclosure's processor.
+// Set-up of the enclosure map: what the shared walk meets becomes cabinets with their fans,
+// sensors and supplies.
 #include "enclosure/EnclosureSetup.h"
 
 #include <cstdlib>
@@ -7,6 +7,7 @@
 #include <string>
 
 #include "enclosure/EnclosureCodes.h"
+#include "enclosure/EnclosureWalk.h"
 #include "runtime/DebugClient.h"
 #include "storage/KeepPos.h"
 #include "storage/TLRaidData.h"
@@ -15,39 +16,31 @@ namespace {
 
 constexpr uint32_t kFirstCabinetNumber = 800;
 constexpr size_t kMinAdapterNameLength = 6;
-constexpr char kPortsVersion1[] = "1";  // this version has SASPort elements under Adapter
-constexpr char kSasPortType[] = "SAS";
-constexpr char kReadyStatus[] = "Operational";
 
-class EnclosureSetup {
+class EnclosureSetup : public EnclosureWalk {
   public:
-    EnclosureSetup(EnclosureMap& map, CXmlDoc& doc) : m_Map(map), m_Doc(doc) {}
+    EnclosureSetup(EnclosureMap& map, CXmlDoc& doc)
+        : EnclosureWalk(doc, "SetupEnclosureMap     "), m_Map(map) {}
 
-    int Run();
+    // The number of cabinets added.
+    int Count() const { return m_nCount; }
 
   private:
-    // True to go on with the next adapter, false when the walk ends here.
-    bool Adapter();
-    void Enclosure();
-    void ReadIdentity();
-    bool IsDuplicate() const;
-    static bool IsSupported(const std::string& sName);
-    void ReadObjects(CabinetRecord& cabinet);
+    bool Adapter() override;
+    void Enclosure(const std::string& sName) override;
+    // Indexes are kept in eight bits, as the cabinet counts them.
+    void Fan(uint32_t nIndex) override { ReadFan(static_cast<uint8_t>(nIndex)); }
+    void TempSensor(uint32_t nIndex) override { ReadTempSensor(static_cast<uint8_t>(nIndex)); }
+    void PowerSupply(uint32_t nIndex) override { ReadPowerSupply(static_cast<uint8_t>(nIndex)); }
     void ReadFan(uint8_t nIndex);
     void ReadTempSensor(uint8_t nIndex);
     void ReadPowerSupply(uint8_t nIndex);
+    void ReadIdentity();
+    bool IsDuplicate() const;
+    static bool IsSupported(const std::string& sName);
     void AddCabinet(const std::string& sName, CabinetRecord& cabinet);
 
-    // The text of a child of main into sText; false, and sText untouched, if there is none.
-    bool ChildText(const char* pszName, std::string& sText);
-    void ResetChild() { m_Doc.SetPos(m_Doc.GetParentPos(), m_Doc.GetMainPos(), 0); }
-    std::string Attrib(uint32_t iPos, const char* pszName) const {
-        return m_Doc.GetAttrib(iPos, pszName);
-    }
-
     EnclosureMap& m_Map;
-    CXmlDoc& m_Doc;
-    std::string m_sVersion;
     // Made once for the whole walk and only ever overwritten: an enclosure without one of
     // these elements shows the text of the enclosure before it.
     std::string m_sVendor;
@@ -63,86 +56,17 @@ bool Contains(const std::string& sText, const char* pszWord) {
     return sText.find(pszWord) != std::string::npos;
 }
 
-int EnclosureSetup::Run() {
-    if (!m_Doc.FindElem("amEMTL")) {
-        return 0;
-    }
-    m_sVersion = Attrib(m_Doc.GetMainPos(), "Version");
-    m_Doc.IntoElem();
-    if (!m_Doc.FindElem("System") || !m_Doc.FindChildElem("Multiplexer")) {
-        return 0;
-    }
-    m_Doc.IntoElem();
-    std::string sStatus;
-    if (!ChildText("Status", sStatus)) {
-        m_Doc.OutOfElem();
-        return 0;
-    }
-    TLR_TRACE(4, "\nEM_TLRAID           : SetupEnclosureMap     - Multiplexer status %s",
-              sStatus.c_str());
-    if (sStatus != kReadyStatus) {
-        TLR_TRACE(2,
-                  "\nEM_TLRAID           : SetupEnclosureMap     - stopped, because TLRaid is not "
-                  "ready");
-        m_Doc.OutOfElem();
-        return 0;
-    }
-    m_Doc.OutOfElem();
-    ResetChild();
-    while (m_Doc.FindChildElem("Adapter")) {
-        if (!Adapter()) {
-            break;
-        }
-    }
-    return m_nCount;
-}
-
 bool EnclosureSetup::Adapter() {
-    std::string sName = Attrib(m_Doc.GetChildPos(), "Name");
+    std::string sName = ChildAttrib("Name");
     if (sName.size() < kMinAdapterNameLength) {
-        TLR_TRACE(1,
-                  "\nEM_TLRAID           : SetupEnclosureMap     - ERROR: broken data returned "
-                  "from TLRaid");
         return false;
     }
     TLR_TRACE(4, "\nEM_TLRAID           : SetupEnclosureMap     - controller %s", sName.c_str());
-    m_nCtrNr =
-        static_cast<uint32_t>(strtol(Attrib(m_Doc.GetChildPos(), "Nr").c_str(), nullptr, 10));
-    m_Doc.IntoElem();
-    ResetChild();
-    bool bVersion1 = m_sVersion == kPortsVersion1;
-    bool bInPorts = false;
-    if (!bVersion1 && m_Doc.FindChildElem("Ports")) {
-        m_Doc.IntoElem();
-        bInPorts = true;
-    }
-    while (m_Doc.FindChildElem(bVersion1 ? "SASPort" : "Port")) {
-        if (!bVersion1) {
-            // The first port of another type ends this adapter's ports, SAS ports behind it too.
-            if (Attrib(m_Doc.GetChildPos(), "Type") != kSasPortType) {
-                break;
-            }
-            TLR_TRACE(
-                4, "\nEM_TLRAID           : SetupEnclosureMap     - SAS port %d (Encl)",
-                static_cast<int>(strtol(Attrib(m_Doc.GetChildPos(), "Nr").c_str(), nullptr, 10)));
-        }
-        m_Doc.IntoElem();
-        while (m_Doc.FindChildElem("Enclosure")) {
-            Enclosure();
-        }
-        m_Doc.OutOfElem();
-    }
-    if (bInPorts) {
-        m_Doc.OutOfElem();
-        ResetChild();
-    }
-    m_Doc.OutOfElem();
+    m_nCtrNr = static_cast<uint32_t>(strtol(ChildAttrib("Nr").c_str(), nullptr, 10));
     return true;
 }
 
-void EnclosureSetup::Enclosure() {
-    std::string sName = Attrib(m_Doc.GetChildPos(), "Name");
-    m_Doc.IntoElem();
+void EnclosureSetup::Enclosure(const std::string& sName) {
     CabinetRecord cabinet;
     std::string sNumber;
     if (ChildText("EnclosureNumber", sNumber)) {
@@ -161,7 +85,6 @@ void EnclosureSetup::Enclosure() {
                       "\nEM_TLRAID           : SetupEnclosureMap - Enclosure = '%s' is "
                       "duplicate, ignored!",
                       sName.c_str());
-            m_Doc.OutOfElem();
             return;
         }
     } else {
@@ -173,25 +96,23 @@ void EnclosureSetup::Enclosure() {
                   "\nEM_TLRAID           : SetupEnclosureMap - Enclosure = '%s' found, currently "
                   "not supported!",
                   sName.c_str());
-        m_Doc.OutOfElem();
         return;
     }
     TLR_TRACE(4, "\nEM_TLRAID           : SetupEnclosureMap     - supported enclosure %s found",
               sName.c_str());
     // The child position stays behind SerialNumber: a Processor ahead of it is not found.
-    if (m_Doc.FindChildElem("Processor")) {
-        std::string sProcessor = Attrib(m_Doc.GetChildPos(), "Name");
-        m_Doc.IntoElem();
-        ReadObjects(cabinet);
-        m_Doc.OutOfElem();
+    ProcessorCounts counts;
+    if (WalkProcessor(counts)) {
+        cabinet.FanCount = static_cast<uint8_t>(counts.nFans);
+        cabinet.TempSensorCount = static_cast<uint8_t>(counts.nSensors);
+        cabinet.PowerSupplyCount = static_cast<uint8_t>(counts.nSupplies);
         TLR_TRACE(3,
                   "\nEM_TLRAID           : SetupEnclosureMap - Enclosure = '%s', Processor '%s': "
                   "%d Fans, %d Temp Sensors, %d Power Supplies",
-                  sName.c_str(), sProcessor.c_str(), cabinet.FanCount, cabinet.TempSensorCount,
+                  sName.c_str(), counts.sName.c_str(), cabinet.FanCount, cabinet.TempSensorCount,
                   cabinet.PowerSupplyCount);
     }
     AddCabinet(sName, cabinet);
-    m_Doc.OutOfElem();
 }
 
 void EnclosureSetup::ReadIdentity() {
@@ -235,24 +156,10 @@ bool EnclosureSetup::IsSupported(const std::string& sName) {
     return false;
 }
 
-void EnclosureSetup::ReadObjects(CabinetRecord& cabinet) {
-    while (m_Doc.FindChildElem("Fan")) {
-        ReadFan(cabinet.FanCount++);
-    }
-    ResetChild();
-    while (m_Doc.FindChildElem("TemperatureSensor")) {
-        ReadTempSensor(cabinet.TempSensorCount++);
-    }
-    ResetChild();
-    while (m_Doc.FindChildElem("PowerSupply")) {
-        ReadPowerSupply(cabinet.PowerSupplyCount++);
-    }
-}
-
 void EnclosureSetup::ReadFan(uint8_t nIndex) {
     FanRecord fan;
     fan.Index = nIndex;
-    fan.Name = Attrib(m_Doc.GetChildPos(), "Name");
+    fan.Name = ChildAttrib("Name");
     m_Doc.IntoElem();
     std::string sText;
     if (ChildText("Status", sText)) {
@@ -271,7 +178,7 @@ void EnclosureSetup::ReadFan(uint8_t nIndex) {
 void EnclosureSetup::ReadTempSensor(uint8_t nIndex) {
     TempSensorRecord sensor;
     sensor.Index = nIndex;
-    sensor.Name = Attrib(m_Doc.GetChildPos(), "Name");
+    sensor.Name = ChildAttrib("Name");
     m_Doc.IntoElem();
     std::string sText;
     // Temperatures keep their low eight bits: 300 degrees read as 44.
@@ -302,7 +209,7 @@ void EnclosureSetup::ReadTempSensor(uint8_t nIndex) {
 void EnclosureSetup::ReadPowerSupply(uint8_t nIndex) {
     PowerSupplyRecord supply;
     supply.Index = nIndex;
-    supply.Name = Attrib(m_Doc.GetChildPos(), "Name");
+    supply.Name = ChildAttrib("Name");
     m_Doc.IntoElem();
     std::string sText;
     if (ChildText("Status", sText)) {
@@ -361,14 +268,6 @@ void EnclosureSetup::AddCabinet(const std::string& sName, CabinetRecord& cabinet
     ++m_nCount;
 }
 
-bool EnclosureSetup::ChildText(const char* pszName, std::string& sText) {
-    if (!m_Doc.FindChildElem(pszName)) {
-        return false;
-    }
-    sText = m_Doc.GetChildData();
-    return true;
-}
-
 }  // namespace
 
 int SetupEnclosureMap(EnclosureMap& map, CTLRaidData& doc) {
@@ -377,7 +276,9 @@ int SetupEnclosureMap(EnclosureMap& map, CTLRaidData& doc) {
     int nCount = 0;
     {
         CKeepPos keep(doc);
-        nCount = EnclosureSetup(map, doc).Run();
+        EnclosureSetup setup(map, doc);
+        setup.Run();
+        nCount = setup.Count();
     }
     TLR_TRACE(3, "\nEM_TLRAID           : SetupEnclosureMap     - %d enclosure(s) found", nCount);
     TLR_TRACE(5, "\nEM_TLRAID           : <- SetupEnclosureMap");

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "enclosure/EnclosureCodes.h"
+#include "enclosure/EnclosureWalk.h"
 #include "frame/CommandRecord.h"
 #include "frame/SwitchProtocol.h"
 #include "runtime/DebugClient.h"
@@ -66,148 +67,43 @@ int EnclosurePSRedundancy(EnclosureMap& map, uint32_t nCabinet, bool& bRedundant
 namespace {
 
 constexpr uint32_t kFirstCabinetNumber = 800;
-constexpr char kPortsVersion1[] = "1";  // this version has SASPort elements under Adapter
-constexpr char kSasPortType[] = "SAS";
-constexpr char kReadyStatus[] = "Operational";
 
-// One reading of the tree against the map. The walk is that of set-up, but it reads nothing
-// but names and states, and numbers the cabinets by their place under their port.
-class EnclosureStatesWalk {
+// One reading of the tree against the map. It reads nothing but names and states, and
+// numbers the cabinets by their place under their port.
+class EnclosureStatesWalk : public EnclosureWalk {
   public:
     EnclosureStatesWalk(EnclosureMap& map, std::vector<CommandRecord>& events, CXmlDoc& doc)
-        : m_Map(map), m_Events(events), m_Doc(doc) {}
-
-    // 1, or 0 for broken data.
-    int Run();
+        : EnclosureWalk(doc, "ReadEnclosureStates   "), m_Map(map), m_Events(events) {}
 
   private:
-    // False on broken data.
-    bool Adapter();
-    void Enclosure();
-    void Fan(uint32_t nIndex);
-    void TempSensor(uint32_t nIndex);
-    void PowerSupply(uint32_t nIndex);
+    // Only an empty name is broken here; set-up is stricter.
+    bool Adapter() override { return !ChildAttrib("Name").empty(); }
+    void BeginPort() override { m_nCabinet = kFirstCabinetNumber; }
+    void Enclosure(const std::string& sName) override;
+    void Fan(uint32_t nIndex) override;
+    void TempSensor(uint32_t nIndex) override;
+    void PowerSupply(uint32_t nIndex) override;
     // Appends an event record; an index of 0 leaves OI out.
     void Fire(uint32_t nCode, uint32_t nIndex, uint32_t nStatus) {
         m_Events.push_back(CommandRecord(nCode, 0, nIndex, m_nCabinet, nStatus));
     }
 
-    bool ChildText(const char* pszName, std::string& sText) {
-        if (!m_Doc.FindChildElem(pszName)) {
-            return false;
-        }
-        sText = m_Doc.GetChildData();
-        return true;
-    }
-    void ResetChild() { m_Doc.SetPos(m_Doc.GetParentPos(), m_Doc.GetMainPos(), 0); }
-    std::string ChildAttrib(const char* pszName) const {
-        return m_Doc.GetAttrib(m_Doc.GetChildPos(), pszName);
-    }
-
     EnclosureMap& m_Map;
     std::vector<CommandRecord>& m_Events;
-    CXmlDoc& m_Doc;
-    std::string m_sVersion;
     uint32_t m_nCabinet = kFirstCabinetNumber;
 };
 
-int EnclosureStatesWalk::Run() {
-    if (!m_Doc.FindElem("amEMTL")) {
-        return 1;
-    }
-    m_sVersion = m_Doc.GetAttrib(m_Doc.GetMainPos(), "Version");
-    m_Doc.IntoElem();
-    std::string sStatus;
-    // The positions are restored by the caller, so a missing element just ends the walk.
-    if (!m_Doc.FindElem("System") || !m_Doc.FindChildElem("Multiplexer") || !m_Doc.IntoElem() ||
-        !ChildText("Status", sStatus)) {
-        return 1;
-    }
-    TLR_TRACE(4, "\nEM_TLRAID           : ReadEnclosureStates   - Multiplexer status %s",
-              sStatus.c_str());
-    if (sStatus != kReadyStatus) {
-        TLR_TRACE(2,
-                  "\nEM_TLRAID           : ReadEnclosureStates   - stopped, because TLRaid is "
-                  "not ready");
-        return 1;
-    }
-    m_Doc.OutOfElem();
-    ResetChild();
-    while (m_Doc.FindChildElem("Adapter")) {
-        if (!Adapter()) {
-            return 0;
-        }
-    }
-    return 1;
-}
-
-bool EnclosureStatesWalk::Adapter() {
-    // Only an empty name is broken here; set-up is stricter.
-    if (ChildAttrib("Name").empty()) {
-        TLR_TRACE(1,
-                  "\nEM_TLRAID           : ReadEnclosureStates   - ERROR: broken data returned "
-                  "from TLRaid");
-        return false;
-    }
-    m_Doc.IntoElem();
-    ResetChild();
-    const bool bVersion1 = m_sVersion == kPortsVersion1;
-    bool bInPorts = false;
-    if (!bVersion1 && m_Doc.FindChildElem("Ports")) {
-        m_Doc.IntoElem();
-        bInPorts = true;
-    }
-    while (m_Doc.FindChildElem(bVersion1 ? "SASPort" : "Port")) {
-        if (!bVersion1) {
-            // The first port of another type ends this adapter's ports, SAS ports behind it too.
-            if (ChildAttrib("Type") != kSasPortType) {
-                break;
-            }
-            TLR_TRACE(4, "\nEM_TLRAID           : ReadEnclosureStates   - SAS port %d (Encl)",
-                      static_cast<int>(strtol(ChildAttrib("Nr").c_str(), nullptr, 10)));
-        }
-        m_Doc.IntoElem();
-        m_nCabinet = kFirstCabinetNumber;
-        while (m_Doc.FindChildElem("Enclosure")) {
-            Enclosure();
-            ++m_nCabinet;  // every enclosure counts, accepted at set-up or not
-        }
-        m_Doc.OutOfElem();
-    }
-    if (bInPorts) {
-        m_Doc.OutOfElem();
-    }
-    ResetChild();
-    m_Doc.OutOfElem();
-    return true;
-}
-
-void EnclosureStatesWalk::Enclosure() {
-    const std::string sName = ChildAttrib("Name");
-    m_Doc.IntoElem();
-    if (m_Doc.FindChildElem("Processor")) {
-        const std::string sProcessor = ChildAttrib("Name");
-        m_Doc.IntoElem();
-        // Counts of the elements met, found in the map or not.
-        int nFans = 0, nSensors = 0, nSupplies = 0;
-        while (m_Doc.FindChildElem("Fan")) {
-            Fan(nFans++);
-        }
-        ResetChild();
-        while (m_Doc.FindChildElem("TemperatureSensor")) {
-            TempSensor(nSensors++);
-        }
-        ResetChild();
-        while (m_Doc.FindChildElem("PowerSupply")) {
-            PowerSupply(nSupplies++);
-        }
-        m_Doc.OutOfElem();
+void EnclosureStatesWalk::Enclosure(const std::string& sName) {
+    // Counts of the elements met, found in the map or not.
+    ProcessorCounts counts;
+    if (WalkProcessor(counts)) {
         TLR_TRACE(3,
                   "\nEM_TLRAID           : ReadEnclosureStates - Enclosure = '%s', Processor "
                   "'%s': %d Fans, %d Temp Sensors, %d Power Supplies",
-                  sName.c_str(), sProcessor.c_str(), nFans, nSensors, nSupplies);
+                  sName.c_str(), counts.sName.c_str(), counts.nFans, counts.nSensors,
+                  counts.nSupplies);
     }
-    m_Doc.OutOfElem();
+    ++m_nCabinet;  // every enclosure counts, accepted at set-up or not
 }
 
 void EnclosureStatesWalk::Fan(uint32_t nIndex) {
@@ -308,7 +204,8 @@ int ReadEnclosureStates(EnclosureMap& map, std::vector<CommandRecord>& events, C
     int nResult = 0;
     {
         CKeepPos keep(doc);
-        nResult = EnclosureStatesWalk(map, events, doc).Run();
+        nResult =
+            EnclosureStatesWalk(map, events, doc).Run() == EnclosureWalk::Result::Broken ? 0 : 1;
     }
     if (nResult) {
         TLR_TRACE(3, "\nEM_TLRAID           : ReadEnclosureStates   - exit");

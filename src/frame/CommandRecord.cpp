@@ -35,14 +35,14 @@ uint32_t NumberFromText(const char* s, size_t len) {
 }
 
 uint8_t LowByte(const rapidjson::Value& v) {
-    return v.IsNumber() ? Low32(v) & 0xFF : 0;
+    return v.IsNumber() ? Low32(v) & CommandRecord::kLowByteMask : 0;
 }
 
 // Bytes needed for a number: 1, 2, 4 or 8, the fewest that hold it.
 size_t NumberWidth(const rapidjson::Value& v) {
     if (v.IsUint64()) {
         uint64_t u = v.GetUint64();
-        return u <= 0xFF ? 1 : u <= 0xFFFF ? 2 : u <= 0xFFFFFFFFull ? 4 : 8;
+        return u <= UINT8_MAX ? 1 : u <= UINT16_MAX ? 2 : u <= UINT32_MAX ? 4 : 8;
     }
     if (v.IsInt64()) {
         int64_t i = v.GetInt64();

@@ -16,6 +16,8 @@
 class CommandRecord {
   public:
     static constexpr uint32_t kAllCabinets = 0xFFFFFFFF;
+    // A data byte is the low eight bits of a value; the rest is dropped.
+    static constexpr uint32_t kLowByteMask = 0xFF;
 
     // An empty record: no SIP, so every read gives its default and every write is lost.
     CommandRecord();
@@ -35,6 +37,10 @@ class CommandRecord {
     // The command at an index, null when the path or the entry is missing or no object.
     const rapidjson::Value* Command(uint32_t index) const;
 
+    // The index of the command that is meant; reads and writes without an index use it.
+    uint32_t CurrentIndex() const { return m_nCurrentCommand; }
+    void SelectCommand(uint32_t index) { m_nCurrentCommand = index; }
+
     uint32_t GetField(uint32_t index, const char* name, uint32_t defaultValue) const;
     uint32_t GetField(const char* name, uint32_t defaultValue) const {
         return GetField(m_nCurrentCommand, name, defaultValue);
@@ -44,7 +50,11 @@ class CommandRecord {
     bool HasData() const;
     size_t GetDataLength(uint32_t index) const;
     bool GetDataUInt(uint32_t index, uint32_t& value) const;
+    bool GetDataUInt(uint32_t& value) const { return GetDataUInt(m_nCurrentCommand, value); }
     bool GetDataString(uint32_t index, std::string& text, uint32_t start) const;
+    bool GetDataString(std::string& text, uint32_t start) const {
+        return GetDataString(m_nCurrentCommand, text, start);
+    }
     bool GetDataBytes(uint32_t index, std::vector<uint8_t>& bytes) const;
     // True when the record has no CA, CA is -1, or CA is the server's cabinet number.
     bool IsForThisCabinet() const;
@@ -57,15 +67,16 @@ class CommandRecord {
     void SetDataRaw(const std::vector<uint8_t>& bytes, uint32_t status);
     // Writes a member of the current command, made if needed; lost if the record has no CMD.
     void SetField(const char* name, rapidjson::Value&& value);
+    // SetField with a deep copy of a value that belongs to another document.
+    void CopyField(const char* name, const rapidjson::Value& value);
+    // Removes a member of the current command, if the command has it.
+    void RemoveField(const char* name);
     // Makes sure the current command exists, appending empty commands to CMD up to it.
     rapidjson::Value* EnsureCommand();
 
-    rapidjson::Document& Document() { return m_Document; }
-    const rapidjson::Document& Document() const { return m_Document; }
+  private:
+    const rapidjson::Value* Data(uint32_t index) const;
 
     rapidjson::Document m_Document;
     uint32_t m_nCurrentCommand = 0;
-
-  private:
-    const rapidjson::Value* Data(uint32_t index) const;
 };

@@ -38,12 +38,22 @@ void CommandRecord::SetField(const char* name, rapidjson::Value&& value) {
     }
 }
 
+void CommandRecord::CopyField(const char* name, const rapidjson::Value& value) {
+    SetField(name, rapidjson::Value(value, m_Document.GetAllocator()));
+}
+
+void CommandRecord::RemoveField(const char* name) {
+    if (auto* entry = const_cast<rapidjson::Value*>(Command(m_nCurrentCommand))) {
+        entry->RemoveMember(name);
+    }
+}
+
 void CommandRecord::SetStatus(uint32_t status) {
     SetField("ST", rapidjson::Value(status));
 }
 
 void CommandRecord::SetDataByte(int value, uint32_t status) {
-    SetField("DA", rapidjson::Value(static_cast<unsigned>(value & 0xFF)));
+    SetField("DA", rapidjson::Value(static_cast<unsigned>(value & kLowByteMask)));
     SetStatus(status);
 }
 

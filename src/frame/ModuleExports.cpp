@@ -11,13 +11,13 @@ CIExtensionModule* g_pModule = nullptr;
 
 const char* SetupActionName(uint32_t action) {
     switch (action) {
-        case 1:
+        case kSetupBackup:
             return "BACKUP";
-        case 2:
+        case kSetupRestore:
             return "RESTORE";
-        case 3:
+        case kSetupConvert:
             return "CONVERT";
-        case 4:
+        case kSetupCleanup:
             return "CLEANUP";
         default:
             return nullptr;

@@ -10,6 +10,14 @@ namespace module_exports {
 
 using Maker = CIExtensionModule* (*)();
 
+// The actions that EM_SetupAction is asked for; any other number is no action.
+enum SetupActionCode : uint32_t {
+    kSetupBackup = 1,
+    kSetupRestore = 2,
+    kSetupConvert = 3,
+    kSetupCleanup = 4,
+};
+
 bool Create(CIExtensionModule** out, Maker make, const char* moduleName);
 int Delete(const char* moduleName);
 int SetupAction(uint32_t action, const char* moduleName);

@@ -41,7 +41,7 @@ bool IsStruct(const rapidjson::Value& data) {
 void TraceRecord(uint32_t level, const char* tag, const CommandRecord& record) {
     if (!g_DebugClient.IsEnabled())
         return;
-    uint32_t index = record.m_nCurrentCommand;
+    uint32_t index = record.CurrentIndex();
     unsigned mi = record.GetField(index, "MI", 0);
 
     // The line: codes and ids, the cabinet where the record names one, then the data.

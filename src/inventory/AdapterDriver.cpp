@@ -7,15 +7,12 @@
 
 #include "inventory/SystemAdapter.h"
 #include "runtime/DebugClient.h"
+#include "runtime/Pipe.h"
 
 namespace {
 
 constexpr int kNumbersBehindKey = 16;
 constexpr size_t kRestBytes = 256;
-
-struct FileCloser {
-    void operator()(FILE* f) const { fclose(f); }
-};
 
 // Reads up to the end of the current line; false at the end of the file.
 bool SkipLine(FILE* file) {
@@ -41,7 +38,7 @@ bool GetAdapterDriverName(uint16_t domain, uint8_t bus, uint8_t slot, uint8_t fu
               function, devicesPath);
     if (size > 0)
         buffer[0] = '\0';
-    std::unique_ptr<FILE, FileCloser> file(fopen(devicesPath, "r"));
+    FilePtr file(fopen(devicesPath, "r"));
     if (!file)
         return false;
     const unsigned long key = static_cast<unsigned long>(bus) << 8 |

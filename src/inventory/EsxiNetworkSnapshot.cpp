@@ -8,15 +8,12 @@
 
 #include "inventory/InventoryHost.h"
 #include "runtime/DebugClient.h"
+#include "runtime/Pipe.h"
 
 namespace {
 
 constexpr size_t kLineBytes = 1024;
 constexpr size_t kColumns = 10;
-
-struct PipeCloser {
-    void operator()(FILE* f) const { pclose(f); }
-};
 
 // The comma-separated fields of a line; empty fields vanish, and the last keeps its newline.
 std::vector<std::string> Fields(const std::string& line) {
@@ -43,7 +40,7 @@ CEsxiNetworkSnapshot::CEsxiNetworkSnapshot(std::string command) : m_sCommand(std
 
 void CEsxiNetworkSnapshot::Populate() {
     TLR_TRACE(2, "\nCEsxiNicSnapshot::Populate started!");
-    std::unique_ptr<FILE, PipeCloser> pipe(popen(m_sCommand.c_str(), "r"));
+    PipePtr pipe(popen(m_sCommand.c_str(), "r"));
     if (!pipe) {
         TLR_TRACE(2, "\nCEsxiNetworkSnapshot::Populate Failed to open command!");
         m_tLastPopulate = time(nullptr);

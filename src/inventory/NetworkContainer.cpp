@@ -12,15 +12,12 @@
 
 #include "inventory/InventoryHost.h"
 #include "runtime/DebugClient.h"
+#include "runtime/Pipe.h"
 
 namespace {
 
 constexpr size_t kLineBytes = 200;
 constexpr int kHeaderLines = 2;
-
-struct PipeCloser {
-    void operator()(FILE* f) const { pclose(f); }
-};
 
 // A socket closed with its owner.
 class Socket {
@@ -54,7 +51,7 @@ NetworkContainer::~NetworkContainer() {
 
 std::map<PciAddress, MacAddress> NetworkContainer::Read(const char* command) {
     std::map<PciAddress, MacAddress> macs;
-    std::unique_ptr<FILE, PipeCloser> pipe(popen(command, "r"));
+    PipePtr pipe(popen(command, "r"));
     if (!pipe) {
         TLR_TRACE(4, "NetworkContainer: failed to open command");
         return macs;

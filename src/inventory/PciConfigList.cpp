@@ -9,6 +9,7 @@
 #include "inventory/InventoryHost.h"
 #include "inventory/PciParser.h"
 #include "runtime/DebugClient.h"
+#include "runtime/Pipe.h"
 #include "runtime/ProfileFile.h"
 
 namespace {
@@ -16,10 +17,6 @@ namespace {
 constexpr size_t kLineBytes = 200;  // a longer line of the list arrives as two
 constexpr size_t kNameBytes = 260;
 constexpr uint32_t kInterruptNone = 255;
-
-struct PipeCloser {
-    void operator()(FILE* f) const { pclose(f); }
-};
 
 std::string Hex4(uint32_t value) {
     char text[16];
@@ -39,7 +36,7 @@ std::string Cleaned(const char* answer) {
 }
 
 bool CanOpen(const std::string& path) {
-    std::unique_ptr<FILE, decltype(&fclose)> file(fopen(path.c_str(), "r"), &fclose);
+    FilePtr file(fopen(path.c_str(), "r"));
     return file != nullptr;
 }
 
@@ -52,7 +49,7 @@ CPciConfigList::CPciConfigList(std::string command, std::string adapterIni)
     : m_sCommand(std::move(command)), m_sAdapterIni(std::move(adapterIni)) {}
 
 bool CPciConfigList::ScanPciSlots(int /*unused*/) {
-    std::unique_ptr<FILE, PipeCloser> pipe(popen(m_sCommand.c_str(), "re"));
+    PipePtr pipe(popen(m_sCommand.c_str(), "re"));
     if (!pipe)
         return false;
     std::vector<std::string> lines;

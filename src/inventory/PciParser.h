@@ -50,7 +50,7 @@ class PciParser : public DataParser {
         bool bFlag2 = false;
 
         uint8_t BaseClass() const { return static_cast<uint8_t>(nClass / 256); }
-        uint8_t SubClass() const { return static_cast<uint8_t>(nClass & 0xFF); }
+        uint8_t SubClass() const { return static_cast<uint8_t>(nClass); }  // the low byte
     };
 
     bool Parse(const std::vector<std::string>& lines) override;

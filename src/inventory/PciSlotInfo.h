@@ -4,7 +4,7 @@
 #include <string>
 
 // The key of a PCI device: domain, bus, slot, function, ordered in that sequence. An address
-// with bus, slot and function all 0xFF stands for any device: it is neither less nor greater
+// with bus, slot and function all kAnyNumber stands for any device: it is neither less nor greater
 // than another address.
 struct PciAddress {
     uint16_t nDomain = 0;
@@ -12,7 +12,11 @@ struct PciAddress {
     uint8_t nSlot = 0;
     uint8_t nFunction = 0;
 
-    bool IsAny() const { return nBus == 0xFF && nSlot == 0xFF && nFunction == 0xFF; }
+    static constexpr uint8_t kAnyNumber = 0xFF;
+
+    bool IsAny() const {
+        return nBus == kAnyNumber && nSlot == kAnyNumber && nFunction == kAnyNumber;
+    }
     bool operator<(const PciAddress& other) const;
 };
 

@@ -4,6 +4,7 @@
 #include "frame/ModuleExports.h"
 #include "raid/EM_TLRAID.h"
 #include "runtime/DebugClient.h"
+#include "runtime/InitOrder.h"
 
 #define EM_EXPORT extern "C" __attribute__((visibility("default")))
 
@@ -14,7 +15,7 @@ namespace {
 struct CTraceNameAtLoad {
     CTraceNameAtLoad() { g_DebugClient.Initialize(EM_TLRAID::kModuleName); }
 };
-__attribute__((init_priority(102))) CTraceNameAtLoad g_TraceNameAtLoad;
+__attribute__((init_priority(kInitAfterTraceClient))) CTraceNameAtLoad g_TraceNameAtLoad;
 
 CIExtensionModule* MakeModule() {
     return new EM_TLRAID();

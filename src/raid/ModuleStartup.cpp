@@ -39,8 +39,8 @@ int EM_TLRAID::Start(ISwitch* pSwitch, uint32_t param) {
             started = InitializeAfterTLRaidStart();
         } else {
             TraceThreadName(m_WaitThread.Handle(), kModuleName, "_WaitForTLRaidStartThread");
-            m_WaitThread.Start(WaitForTLRaidStart_Thread, this, raid_host::kThreadPriority, false,
-                               0, 0, true);
+            m_WaitThread.Start(WaitForTLRaidStart_Thread, this,
+                               CThread::Options::Waitable(raid_host::kThreadPriority));
         }
     }
     TLR_TRACE(1, "\n\n### Start of module %s completed %s ###", kModuleName,
@@ -208,6 +208,6 @@ bool EM_TLRAID::InitializeAfterTLRaidStart() {
 
 void EM_TLRAID::StartPollingThread() {
     TraceThreadName(m_PollingThread.Handle(), kModuleName, "_StorageDeviceTreePollingThread");
-    m_PollingThread.Start(StorageDeviceTreePollingThread, this, raid_host::kThreadPriority, false,
-                          0, 0, true);
+    m_PollingThread.Start(StorageDeviceTreePollingThread, this,
+                          CThread::Options::Waitable(raid_host::kThreadPriority));
 }

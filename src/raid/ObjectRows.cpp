@@ -69,7 +69,7 @@ void LogicalDriveRaidLevel(CRequest& r, const RequestRow&) {
 // A battery without any learn cycle word has no answer at all.
 void BatteryLearnCycle(CRequest& r, const RequestRow& row) {
     int32_t cycle = r.m_Object.GetBatteryLearnCycleStatus();
-    if (cycle != kLearnCycleNoWord)
+    if (cycle != kLcNoWord)
         r.AnswerByte(row.map(cycle));
 }
 

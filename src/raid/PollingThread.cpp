@@ -55,8 +55,7 @@ void EM_TLRAID::PollOnce(bool bCabinetsEmpty, MdcProgressMap& mdcPrevious,
     CTLRaidData doc;
     doc.SetDoc(xml);
 
-    // The gate stands as it always has: the states are read only for a module that found no
-    // cabinet at start.
+    // The states are read only for a module that found no cabinet at start.
     if (bCabinetsEmpty) {
         std::vector<CommandRecord> events;
         ReadEnclosureStates(m_EnclosureMap, events, doc);

@@ -41,7 +41,7 @@ bool CRequest::DataPresent() {
 
 bool CRequest::TextGiven() {
     m_sText.clear();
-    m_Record.GetDataString(m_Record.m_nCurrentCommand, m_sText, 0);
+    m_Record.GetDataString(m_sText, 0);
     if (!m_sText.empty())
         return true;
     m_Record.SetStatus(status::kDataMissing);

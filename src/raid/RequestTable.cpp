@@ -23,9 +23,6 @@ namespace {
 
 using T = CTLRaidData;
 
-constexpr RequestRow Plain(uint32_t code, Steps steps, RowHandler handler) {
-    return {code, steps, handler, nullptr, false, nullptr, nullptr, nullptr, nullptr};
-}
 // A row on an object of an adapter (OE, OI), or on the adapter OI when the getter is null.
 constexpr RequestRow On(uint32_t code, CRequest::ObjectGetter get, RowHandler handler) {
     RequestRow row = Plain(code, get ? Steps::kObject : Steps::kAdapterOi, handler);
@@ -84,7 +81,8 @@ const RequestRow kRows[] = {
     // Adapters.
     Plain(oc::kAdapterCount, Steps::kSnapshot, rows::AdapterCount),
     On(oc::kAdapterName, kOfAdapter, rows::Name),
-    Mapped(oc::kAdapterType, kOfAdapter, rows::MappedByte, &T::GetAdapterType, nullptr),
+    Mapped(oc::kAdapterType, kOfAdapter, rows::MappedByte, &T::GetAdapterType,
+           status_map::AdapterType),
     Mapped(oc::kAdapterStatus, kOfAdapter, rows::MappedByte, &T::GetAdapterStatus, AdapterStatus),
     On(oc::kAdapterDeviceId, kOfAdapter, rows::AdapterDeviceId),
     On(oc::kAdapterPciIdentity, kOfAdapter, rows::AdapterPciIdentity),

@@ -71,18 +71,29 @@ using PropertyGetter = bool (CTLRaidData::*)(std::string&, const char*);
 // A tree's number as the number a client receives.
 using StatusMap = uint32_t (*)(int32_t);
 
-// One object code: its steps and its handler, with what the handler reads and maps.
+// One object code: its steps and its handler, with what the handler reads and maps. A row
+// is built by a maker (Plain below, the others in RequestTable.cpp) that sets the members it
+// needs by name; the others keep their defaults.
 struct RequestRow {
-    uint32_t nCode;
-    Steps steps;
-    RowHandler handler;
-    CRequest::ObjectGetter object;  // Steps::kObject
-    bool bNamedByText;              // data present before the steps, the text after them
-    ValueGetter value;
-    StatusMap map;  // null: the value as it is
-    CountGetter count;
-    PropertyGetter property;
+    uint32_t nCode = 0;
+    Steps steps = Steps::kNone;
+    RowHandler handler = nullptr;
+    CRequest::ObjectGetter object = nullptr;  // Steps::kObject
+    bool bNamedByText = false;                // data present before the steps, the text after
+    ValueGetter value = nullptr;
+    StatusMap map = nullptr;  // null: the value as it is
+    CountGetter count = nullptr;
+    PropertyGetter property = nullptr;
 };
+
+// A row of its code, steps and handler alone.
+constexpr RequestRow Plain(uint32_t code, Steps steps, RowHandler handler) {
+    RequestRow row;
+    row.nCode = code;
+    row.steps = steps;
+    row.handler = handler;
+    return row;
+}
 
 // The row of an object code; null when it has none.
 const RequestRow* FindRequestRow(uint32_t code);

@@ -74,6 +74,11 @@ constexpr Pair kSmartCodes[] = {
 constexpr Pair kAdapterStatuses[] = {{kStatusOk, a::kAdapterOk},
                                      {kStatusWarning, a::kAdapterWarning},
                                      {kStatusFailed, a::kAdapterFailed}};
+constexpr Pair kAdapterTypes[] = {{kAdpScsi, a::kAdapterScsi}, {kAdpAtapi, a::kAdapterAtapi},
+                                  {kAdpAta, a::kAdapterAta},   {kAdp1394, a::kAdapter1394},
+                                  {kAdpSsa, a::kAdapterSsa},   {kAdpFibre, a::kAdapterFibre},
+                                  {kAdpUsb, a::kAdapterUsb},   {kAdpSata, a::kAdapterSata},
+                                  {kAdpSas, a::kAdapterSas},   {kAdpPcie, a::kAdapterPcie}};
 constexpr Pair kThreeWay[] = {{kStatusOk, a::kOverallOk},
                               {kStatusWarning, a::kOverallWarning},
                               {kStatusFailed, a::kOverallFailed}};
@@ -91,23 +96,26 @@ constexpr Pair kLogicalDriveStates[] = {{kLdOperational, a::kLogicalOperational}
                                         {kLdPartiallyDegraded, a::kLogicalPartiallyDegraded},
                                         {kLdFailed, a::kLogicalFailed},
                                         {kLdImpacted, a::kLogicalImpacted}};
-constexpr Pair kBatteryStates[] = {
-    {kBatteryNormal, answer::kBatteryNormal},
-    {::kBatteryVoltageProblem, answer::kBatteryVoltageProblem},
-    {::kBatteryCharging, answer::kBatteryCharging},
-    {::kBatteryDischarging, answer::kBatteryDischarging},
-    {::kBatteryWarning, answer::kBatteryWarning},
-    {::kBatteryFailed, answer::kBatteryFailed},
-    {::kBatteryTemperatureProblem, answer::kBatteryTemperatureProblem}};
-constexpr Pair kLearnCycles[] = {{::kLearnCycleRequested, answer::kLearnCycleRequested},
-                                 {::kLearnCycleActive, answer::kLearnCycleActive},
-                                 {::kLearnCycleTimeout, answer::kLearnCycleTimedOut},
-                                 {::kLearnCycleFailed, answer::kLearnCycleFailed}};
+constexpr Pair kBatteryStates[] = {{kBatNormal, answer::kBatteryNormal},
+                                   {kBatVoltageProblem, answer::kBatteryVoltageProblem},
+                                   {kBatCharging, answer::kBatteryCharging},
+                                   {kBatDischarging, answer::kBatteryDischarging},
+                                   {kBatWarning, answer::kBatteryWarning},
+                                   {kBatFailed, answer::kBatteryFailed},
+                                   {kBatTemperatureProblem, answer::kBatteryTemperatureProblem}};
+constexpr Pair kLearnCycles[] = {{kLcRequested, answer::kLearnCycleRequested},
+                                 {kLcActive, answer::kLearnCycleActive},
+                                 {kLcTimeout, answer::kLearnCycleTimedOut},
+                                 {kLcFailed, answer::kLearnCycleFailed}};
 
 }  // namespace
 
 uint32_t AdapterStatus(int32_t value) {
     return Lookup(kAdapterStatuses, value);
+}
+
+uint32_t AdapterType(int32_t value) {
+    return Lookup(kAdapterTypes, value);
 }
 
 uint32_t DriveStatus(int32_t index) {
@@ -148,7 +156,7 @@ uint32_t LogicalDriveStatus(int32_t value) {
 uint32_t BatteryStatus(int32_t value) {
     // The client's numbers are the tree's, but for the temperature problem; 1 is never read
     // from a tree and passes as it is.
-    if (value > kBatteryNormal && value < ::kBatteryVoltageProblem)
+    if (value > kBatNormal && value < kBatVoltageProblem)
         return static_cast<uint32_t>(value);
     return Lookup(kBatteryStates, value);
 }

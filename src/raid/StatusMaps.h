@@ -9,6 +9,7 @@ namespace status_map {
 
 // OK, warning, failed as they are.
 uint32_t AdapterStatus(int32_t value);
+uint32_t AdapterType(int32_t value);
 // A drive's status index as a client's drive state: SMART variants read as their state,
 // migrating and JBOD swap their numbers.
 uint32_t DriveStatus(int32_t index);

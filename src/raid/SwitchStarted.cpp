@@ -16,8 +16,8 @@ bool StatusAccepted(const CommandRecord& record) {
 // The low 8 bits of the answer's data, 0 where there is none.
 bool FlagOf(const CommandRecord& record) {
     uint32_t value = 0;
-    record.GetDataUInt(record.m_nCurrentCommand, value);
-    return (value & 0xFF) != 0;
+    record.GetDataUInt(value);
+    return (value & CommandRecord::kLowByteMask) != 0;
 }
 
 }  // namespace

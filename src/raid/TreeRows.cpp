@@ -14,11 +14,11 @@
 
 namespace {
 
-constexpr uint32_t kTestValueMask = 0xFF;
+constexpr uint32_t kTestValueMask = CommandRecord::kLowByteMask;
 
 // The request's text from its first byte; false when its data holds none.
 bool RequestText(CRequest& r, std::string& text) {
-    return r.m_Record.GetDataString(r.m_Record.m_nCurrentCommand, text, 0);
+    return r.m_Record.GetDataString(text, 0);
 }
 
 void ExportTree(CRequest& r, const RequestRow&) {
@@ -124,7 +124,7 @@ void SetTestAttribute(CRequest& r, const RequestRow&) {
             continue;
         if (r.m_Record.HasData()) {
             uint32_t value = 0;
-            r.m_Record.GetDataUInt(r.m_Record.m_nCurrentCommand, value);
+            r.m_Record.GetDataUInt(value);
             value &= kTestValueMask;
             r.m_Module.SetTestAttribute(attribute.pszName, value);
             r.AnswerStatus(status::kOk);
@@ -140,8 +140,9 @@ void SetTestAttribute(CRequest& r, const RequestRow&) {
     }
 }
 
+// Rows that take their own steps.
 constexpr RequestRow Own(uint32_t code, RowHandler handler) {
-    return {code, Steps::kNone, handler, nullptr, false, nullptr, nullptr, nullptr, nullptr};
+    return Plain(code, Steps::kNone, handler);
 }
 
 const RequestRow kTreeRows[] = {

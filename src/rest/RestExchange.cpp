@@ -32,17 +32,18 @@ size_t TLRAIDRestClient::CurlWriteCallback(char* data, size_t size, size_t count
     return bytes;
 }
 
-curl_slist* TLRAIDRestClient::AddAuthBearerHeader(const std::string& accessToken) {
+CurlSlistPtr TLRAIDRestClient::AddAuthBearerHeader(const std::string& accessToken) {
     TLR_TRACE(5, "\nTLRAIDRestClient::AddAuthBearerHeader");
-    curl_slist* headers = curl_slist_append(nullptr, "Content-Type: application/json");
+    CurlSlistPtr headers(curl_slist_append(nullptr, "Content-Type: application/json"));
     // With an empty access token the line still goes out, as "Authorization: Bearer ".
     const std::string bearer = "Authorization: Bearer " + accessToken;
-    curl_slist* withBearer = curl_slist_append(headers, bearer.c_str());
+    curl_slist* withBearer = curl_slist_append(headers.get(), bearer.c_str());
     if (!withBearer) {
-        curl_slist_free_all(headers);
-        return nullptr;
+        return CurlSlistPtr();
     }
-    return withBearer;
+    // The same list, or a new one of the bearer line alone when the first line failed.
+    headers.release();
+    return CurlSlistPtr(withBearer);
 }
 
 std::string TLRAIDRestClient::SetAuthToken(const std::string& url) {
@@ -85,7 +86,7 @@ int32_t TLRAIDRestClient::SendGet(const std::string& url, const std::string& acc
         TLR_TRACE(2, "\nTLRAIDRestClient::SendGet: curl initialization failure");
         return CURLE_OK;
     }
-    CurlSlistPtr headers(AddAuthBearerHeader(accessToken));
+    const CurlSlistPtr headers = AddAuthBearerHeader(accessToken);
     SetUpExchange(curl.get(), url, headers.get(), reply, timeoutSec);
 
     TLR_TRACE(5, "\nTLRAIDRestClient::SendGet: Sending request...");
@@ -115,7 +116,7 @@ int32_t TLRAIDRestClient::SendPost(const std::string& url, const std::string& ac
     std::string postBody = body;
     postBody.erase(std::remove(postBody.begin(), postBody.end(), '\\'), postBody.end());
 
-    CurlSlistPtr headers(AddAuthBearerHeader(accessToken));
+    const CurlSlistPtr headers = AddAuthBearerHeader(accessToken);
     SetUpExchange(curl.get(), url, headers.get(), response, timeoutSec);
     curl_easy_setopt(curl.get(), CURLOPT_POSTFIELDS, postBody.c_str());
 

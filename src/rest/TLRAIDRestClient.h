@@ -2,12 +2,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <string>
 
 #include "rest/RestConstants.h"
 
 struct curl_slist;
+struct CurlSlistFree;  // rest/CurlHandles.h
 
 // What a client is built with. The defaults are the daemon's fixed values; tests give others.
 struct TLRAIDRestClientSettings {
@@ -58,8 +60,8 @@ class TLRAIDRestClient {
     unsigned IsJwtValid();
     // The held JWT as it stands.
     std::string HeldJwt();
-    // A new header list with the JSON content type and the bearer token; the caller frees it.
-    curl_slist* AddAuthBearerHeader(const std::string& accessToken);
+    // A new header list with the JSON content type and the bearer token (CurlSlistPtr).
+    std::unique_ptr<curl_slist, CurlSlistFree> AddAuthBearerHeader(const std::string& accessToken);
     // One GET or POST with the bearer header; libcurl's code.
     int32_t SendGet(const std::string& url, const std::string& accessToken, std::string& reply,
                     uint32_t timeoutSec);

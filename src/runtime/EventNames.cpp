@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "runtime/InitOrder.h"
+
 namespace {
 
 struct NameEntry {
@@ -12,9 +14,9 @@ struct NameEntry {
     CEventState* state;
 };
 
-__attribute__((init_priority(102))) CRecursiveLock g_EventListLock;
-__attribute__((init_priority(102))) CRecursiveLock g_NameTableLock;
-__attribute__((init_priority(102))) std::vector<NameEntry> g_NameTable;
+__attribute__((init_priority(kInitAfterTraceClient))) CRecursiveLock g_EventListLock;
+__attribute__((init_priority(kInitAfterTraceClient))) CRecursiveLock g_NameTableLock;
+__attribute__((init_priority(kInitAfterTraceClient))) std::vector<NameEntry> g_NameTable;
 
 std::vector<NameEntry>::iterator LowerBound(const char* name) {
     return std::lower_bound(

@@ -6,15 +6,12 @@
 #include <memory>
 
 #include "runtime/DebugClient.h"
+#include "runtime/Pipe.h"
 
 namespace {
 
 // fgets reads this much at most: a longer line arrives in pieces, each read as a line.
 constexpr size_t kLineBytes = 1024;
-
-struct FileCloser {
-    void operator()(FILE* f) const { fclose(f); }
-};
 
 char* SkipSpace(char* text) {
     while (*text && isspace(static_cast<unsigned char>(*text)))
@@ -50,7 +47,7 @@ uint32_t GetPrivateProfileString(const char* section, const char* key, const cha
         return 0;
     buffer[0] = '\0';
     const bool wantValue = section && key;
-    std::unique_ptr<FILE, FileCloser> file(fopen(path, "r"));
+    FilePtr file(fopen(path, "r"));
     if (!file) {
         TLR_TRACE(4, "GetPrivateProfileString: Cannot open %s\n", path);
         return wantValue && defaultValue ? CopyDefault(defaultValue, buffer, size) : 0;

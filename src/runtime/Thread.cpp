@@ -42,12 +42,14 @@ CThread::~CThread() {
     }
 }
 
-bool CThread::Start(Routine routine, void* argument, int prio, bool suspend, uint32_t stackSize,
-                    uint32_t /*reserved*/, bool waitable) {
+bool CThread::Start(Routine routine, void* argument, const Options& options) {
+    const int prio = options.nPriority;
+    const bool waitable = options.bWaitable;
+    const uint32_t stackSize = options.nStackSize;
     TLR_TRACE(5,
               "\nCThread::Start: Start a thread, Prio=%d, Suspend=%d, StackSize=0x%08x, "
               "Waitable=%d, KillAliveThread=%d",
-              prio, suspend, stackSize, waitable, m_bKillAliveThread);
+              prio, options.bSuspend, stackSize, waitable, m_bKillAliveThread);
     if (m_bKillAliveThread) {
         Kill();
         m_bWaitable = waitable;

@@ -10,14 +10,29 @@ class CThread {
   public:
     using Routine = void* (*)(void*);
 
+    // How a thread is started; a field left alone keeps its default.
+    struct Options {
+        int nPriority = 0;        // 0: the default policy; else round robin at this priority
+        bool bSuspend = false;    // traced only: a thread always runs at once
+        uint32_t nStackSize = 0;  // traced only: the system's stack size is used
+        bool bWaitable = false;   // joinable, so that Kill waits for its end
+
+        // A joinable thread at a priority: the usual module thread.
+        static Options Waitable(int priority) {
+            Options options;
+            options.nPriority = priority;
+            options.bWaitable = true;
+            return options;
+        }
+    };
+
     CThread() = default;
     // Kills the thread when KillAliveThread is set; a failure there ends the process.
     ~CThread();
     CThread(const CThread&) = delete;
     CThread& operator=(const CThread&) = delete;
 
-    bool Start(Routine routine, void* argument, int prio, bool suspend, uint32_t stackSize,
-               uint32_t reserved, bool waitable);
+    bool Start(Routine routine, void* argument, const Options& options);
     bool Kill();
 
     pthread_t Handle() const { return m_hThread; }

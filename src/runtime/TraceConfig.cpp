@@ -9,11 +9,9 @@
 #include <cstring>
 #include <memory>
 
-namespace {
+#include "runtime/Pipe.h"
 
-struct FileCloser {
-    void operator()(FILE* f) const { fclose(f); }
-};
+namespace {
 
 constexpr size_t kSlack = 16;
 constexpr size_t kMaxValueChars = 64;
@@ -33,7 +31,7 @@ void ConfigSectionReader::Clear() {
 bool ConfigSectionReader::Load() {
     m_Buffer.assign(static_cast<size_t>(m_nSize) + kSlack, '\0');
     m_pSectionStart = m_pSectionEnd = nullptr;
-    std::unique_ptr<FILE, FileCloser> file(fopen(m_sPath.c_str(), "r"));
+    FilePtr file(fopen(m_sPath.c_str(), "r"));
     if (!file)
         return false;
     size_t size = static_cast<size_t>(m_nSize);

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "storage/KeepPos.h"
+#include "storage/TLRaidData.h"
 
 namespace {
 
@@ -45,7 +46,7 @@ bool DeviceIdAtMain(CXmlDoc& adapter, std::string& id) {
 bool FindAdapter(CXmlDoc& tree, uint32_t& nIndex, const std::string& sDeviceId,
                  bool bCountBatteries) {
     CKeepPos keep(tree);
-    if (!tree.FindElem("amEMTL") || !tree.IntoElem() || !tree.FindElem("System") ||
+    if (!tree.FindElem(kStorageTreeRoot) || !tree.IntoElem() || !tree.FindElem("System") ||
         !tree.IntoElem())
         return false;
     uint32_t nCount = 0;

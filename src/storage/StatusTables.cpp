@@ -68,24 +68,22 @@ constexpr StatusWord kLogicalDriveWords[] = {
 };
 
 constexpr StatusWord kBatteryWords[] = {
-    {"Normal", kBatteryNormal},
-    {"Temperature Problem", kBatteryTemperatureProblem},
-    {"Voltage Problem", kBatteryVoltageProblem},
-    {"Charging", kBatteryCharging},
-    {"Discharging", kBatteryDischarging},
-    {"Warning", kBatteryWarning},
-    {"Failed", kBatteryFailed},
+    {"Normal", kBatNormal},
+    {"Temperature Problem", kBatTemperatureProblem},
+    {"Voltage Problem", kBatVoltageProblem},
+    {"Charging", kBatCharging},
+    {"Discharging", kBatDischarging},
+    {"Warning", kBatWarning},
+    {"Failed", kBatFailed},
 };
 
 constexpr StatusWord kThreeWayWords[] = {
     {"OK", kStatusOk}, {"Warning", kStatusWarning}, {"Failed", kStatusFailed}};
 
 constexpr StatusWord kAdapterTypeWords[] = {
-    {"SCSI", answer::kAdapterScsi}, {"ATAPI", answer::kAdapterAtapi},
-    {"ATA", answer::kAdapterAta},   {"1394", answer::kAdapter1394},
-    {"SSA", answer::kAdapterSsa},   {"FIBRE", answer::kAdapterFibre},
-    {"USB", answer::kAdapterUsb},   {"SATA", answer::kAdapterSata},
-    {"SAS", answer::kAdapterSas},   {"PCIe", answer::kAdapterPcie},
+    {"SCSI", kAdpScsi}, {"ATAPI", kAdpAtapi}, {"ATA", kAdpAta}, {"1394", kAdp1394},
+    {"SSA", kAdpSsa},   {"FIBRE", kAdpFibre}, {"USB", kAdpUsb}, {"SATA", kAdpSata},
+    {"SAS", kAdpSas},   {"PCIe", kAdpPcie},
 };
 
 // SMART in capitals marks a SMART state; the lower-case spellings don't count here.
@@ -117,10 +115,10 @@ const DriveStatusRow* FindDriveStatusRow(const char* pszWord) {
 }  // namespace
 
 const StatusWord kLearnCycleWords[kLearnCyclePasses] = {
-    {"Learn Cycle Failed", kLearnCycleFailed},
-    {"Learn Cycle Timeout", kLearnCycleTimeout},
-    {"Learn Cycle Active", kLearnCycleActive},
-    {"Learn Cycle Requested", kLearnCycleRequested},
+    {"Learn Cycle Failed", kLcFailed},
+    {"Learn Cycle Timeout", kLcTimeout},
+    {"Learn Cycle Active", kLcActive},
+    {"Learn Cycle Requested", kLcRequested},
 };
 
 int32_t PhysicalDriveStatusIndexFromText(const char* pszWord) {
@@ -173,7 +171,7 @@ int32_t LogicalDriveStatusFromText(const char* pszWord) {
 }
 
 int32_t BatteryStatusFromText(const char* pszWord) {
-    return Lookup(kBatteryWords, pszWord, kBatteryNormal);
+    return Lookup(kBatteryWords, pszWord, kBatNormal);
 }
 
 int32_t ThreeWayStatusFromText(const char* pszWord) {

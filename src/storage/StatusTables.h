@@ -2,11 +2,11 @@
 
 #include <cstdint>
 
-#include "frame/SwitchProtocol.h"
-
 // The maps from the storage tree's words to the numbers that the module hands on. Each map
 // has its own space of numbers; they are not aligned with one another on purpose. Words are
-// compared without regard to case, top to bottom; "contains" tests respect case.
+// compared without regard to case, top to bottom; "contains" tests respect case. The names
+// carry prefixes of their own (kPd, kLd, kBat, kLc, kAdp), apart from the numbers that
+// clients receive, which the module maps these to and which differ in places.
 
 // A word that no row takes, and a getter's missing element.
 constexpr int32_t kNotMapped = -1;
@@ -80,22 +80,36 @@ enum LogicalDriveStatus : int32_t {
 
 // Battery states; 1 is not given out, and a word outside the table reads as normal.
 enum BatteryStatus : int32_t {
-    kBatteryNormal = 0,
-    kBatteryVoltageProblem = 2,
-    kBatteryCharging = 3,
-    kBatteryDischarging = 4,
-    kBatteryWarning = 5,
-    kBatteryFailed = 6,
-    kBatteryTemperatureProblem = 7,
+    kBatNormal = 0,
+    kBatVoltageProblem = 2,
+    kBatCharging = 3,
+    kBatDischarging = 4,
+    kBatWarning = 5,
+    kBatFailed = 6,
+    kBatTemperatureProblem = 7,
 };
 
-// Learn cycle answers; kLearnCycleNoWord when no AdditionalStatus (or no Battery) is there.
+// Learn cycle words; kLcNoWord when no AdditionalStatus (or no Battery) is there.
 enum LearnCycleStatus : int32_t {
-    kLearnCycleNoWord = 0,
-    kLearnCycleRequested = 1,
-    kLearnCycleActive = 2,
-    kLearnCycleTimeout = 3,
-    kLearnCycleFailed = 4,
+    kLcNoWord = 0,
+    kLcRequested = 1,
+    kLcActive = 2,
+    kLcTimeout = 3,
+    kLcFailed = 4,
+};
+
+// Adapter types, numbered in the order of the tree's words.
+enum AdapterTypeWord : int32_t {
+    kAdpScsi = 0,
+    kAdpAtapi = 1,
+    kAdpAta = 2,
+    kAdp1394 = 3,
+    kAdpSsa = 4,
+    kAdpFibre = 5,
+    kAdpUsb = 6,
+    kAdpSata = 7,
+    kAdpSas = 8,
+    kAdpPcie = 9,
 };
 
 // Enclosures, adapters and the multiplexer's totals.
@@ -121,5 +135,4 @@ int32_t PhysicalDriveTypeFromText(const char* pszWord);
 int32_t LogicalDriveStatusFromText(const char* pszWord);
 int32_t BatteryStatusFromText(const char* pszWord);
 int32_t ThreeWayStatusFromText(const char* pszWord);
-// Adapter types are the numbers a client receives (answer::AdapterType).
 int32_t AdapterTypeFromText(const char* pszWord);

@@ -3,10 +3,11 @@
 #include <string>
 #include <vector>
 
+#include "storage/TLRaidData.h"
+
 namespace {
 
 constexpr const char* kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-constexpr const char* kSourceRoot = "amEMTL";
 constexpr const char* kExportRoot = "TLRaidStorageDeviceTree";
 constexpr int kExportVersion = 2;
 constexpr const char* kObjectMark = "NrOfProperties";
@@ -90,7 +91,7 @@ void CopyElement(CXmlDoc& target, CXmlDoc& source) {
 void BuildStorageDeviceTree(CXmlDoc& target, CXmlDoc& source) {
     source.SavePos("");
     source.ResetPos();
-    if (!source.FindElem(kSourceRoot)) {
+    if (!source.FindElem(kStorageTreeRoot)) {
         source.RestorePos("");
         return;
     }

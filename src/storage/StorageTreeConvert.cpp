@@ -86,7 +86,7 @@ bool GetValueByPath(CXmlDoc& tree, std::string& sValue, const char* pszPath, int
     }
     tree.SavePos("");
     tree.ResetPos();
-    if (!tree.FindElem("amEMTL")) {
+    if (!tree.FindElem(kStorageTreeRoot)) {
         tree.RestorePos("");
         return false;
     }

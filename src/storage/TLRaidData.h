@@ -7,6 +7,9 @@
 
 #include "xml/XmlDoc.h"
 
+// The root element of a whole storage tree.
+constexpr char kStorageTreeRoot[] = "amEMTL";
+
 // The PCI address of an adapter, as the tree gives it.
 struct AdapterPciAddress {
     uint16_t nSegment = 0;

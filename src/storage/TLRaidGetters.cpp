@@ -77,7 +77,7 @@ int32_t CTLRaidData::GetBatteryStatus() {
 int32_t CTLRaidData::GetBatteryLearnCycleStatus() {
     CKeepPos keep(*this);
     if (!FindElem("Battery")) {
-        return kLearnCycleNoWord;
+        return kLcNoWord;
     }
     // By priority, not by position: one pass over all AdditionalStatus children per word.
     bool bAnyWord = false;
@@ -90,7 +90,7 @@ int32_t CTLRaidData::GetBatteryLearnCycleStatus() {
             }
         }
     }
-    return bAnyWord ? kNotMapped : kLearnCycleNoWord;
+    return bAnyWord ? kNotMapped : kLcNoWord;
 }
 
 int32_t CTLRaidData::GetEnclosureStatus() {

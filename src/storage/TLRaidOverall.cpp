@@ -61,7 +61,7 @@ bool CTLRaidData::GetBbuOverallComponentStatus(uint32_t& nStatus) {
     nStatus = 0;
     TLR_TRACE(2, "\nCTLRaidData         : GetBbuOverallComponentStatus");
     CKeepPos keep(*this);
-    if (!FindElem("amEMTL") || !IntoElem() || !FindElem("System")) {
+    if (!FindElem(kStorageTreeRoot) || !IntoElem() || !FindElem("System")) {
         return false;
     }
     bool bSeen = false;

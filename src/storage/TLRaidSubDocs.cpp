@@ -31,7 +31,7 @@ bool ReadChildNumber(CXmlDoc& doc, const char* pszName, long& nValue) {
 }  // namespace
 
 bool CTLRaidData::CutMultiplexer(CXmlDoc& out) {
-    if (!FindElem("amEMTL") || !IntoElem() || !FindElem("System") ||
+    if (!FindElem(kStorageTreeRoot) || !IntoElem() || !FindElem("System") ||
         !FindChildElem("Multiplexer")) {
         return false;
     }
@@ -40,7 +40,7 @@ bool CTLRaidData::CutMultiplexer(CXmlDoc& out) {
 }
 
 uint32_t CTLRaidData::CountAdapters() {
-    if (!FindElem("amEMTL") || !IntoElem() || !FindElem("System")) {
+    if (!FindElem(kStorageTreeRoot) || !IntoElem() || !FindElem("System")) {
         return 0;
     }
     uint32_t nCount = 0;
@@ -51,7 +51,7 @@ uint32_t CTLRaidData::CountAdapters() {
 }
 
 bool CTLRaidData::CutAdapter(CXmlDoc& out, uint32_t nIndex) {
-    if (!FindElem("amEMTL") || !IntoElem() || !FindElem("System") ||
+    if (!FindElem(kStorageTreeRoot) || !IntoElem() || !FindElem("System") ||
         !FindNthChild(*this, "Adapter", nIndex)) {
         return false;
     }

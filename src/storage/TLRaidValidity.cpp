@@ -21,7 +21,7 @@ bool CTLRaidData::IsValid(CXmlDoc& doc) {
     bool bWellFormed = doc.IsWellFormed();
     TLR_TRACE(5, "\nCTLRaidData         : IsValid(), %s",
               bWellFormed ? "well formed" : "not well formed");
-    if (!bWellFormed || !doc.FindElem("amEMTL")) {
+    if (!bWellFormed || !doc.FindElem(kStorageTreeRoot)) {
         return false;
     }
 

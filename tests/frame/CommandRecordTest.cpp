@@ -62,7 +62,7 @@ TEST(CommandRecordTest, FindMemberMatchesExactNamesFirstInOrder) {
 
 TEST(CommandRecordTest, AccessorsWorkOnTheCurrentCommand) {
     Record r("{\"SIP\":{\"CMD\":[{\"OC\":1,\"DA\":5},{\"OC\":8464,\"OE\":2,\"DA\":\"abc\"}]}}");
-    r.m_nCurrentCommand = 1;
+    r.SelectCommand(1);
     EXPECT_EQ(r.GetField("OC", 0), 0x2110u);
     EXPECT_EQ(r.GetField("OE", 0), 2u);
     std::string text;
@@ -215,7 +215,7 @@ TEST(CommandRecordTest, WritesKeepMemberPlacesAndMakeMissingCommands) {
     Record r(WithCommand("\"ST\":19,\"OC\":1"));
     r.SetDataString("x", 0);
     EXPECT_EQ(r.ToJson(), WithCommand("\"ST\":0,\"OC\":1,\"DA\":\"x\""));
-    r.m_nCurrentCommand = 2;
+    r.SelectCommand(2);
     r.SetStatus(6);
     EXPECT_EQ(r.ToJson(),
               "{\"SIP\":{\"V\":1,\"CMD\":[{\"ST\":0,\"OC\":1,\"DA\":\"x\"},{},{\"ST\":6}]}}");
@@ -275,7 +275,7 @@ TEST(CommandRecordTest, CopiesOwnTheirDocument) {
     const std::string text =
         "{\"SIP\":{\"V\":1,\"CMD\":[{\"OC\":1},{\"OC\":2,\"DA\":\"text\",\"ST\":19}]}}";
     auto original = std::make_unique<Record>(text);
-    original->m_nCurrentCommand = 1;
+    original->SelectCommand(1);
     CommandRecord copy(*original);
     CommandRecord assigned(5, 0, 0, 0, 0);
     assigned = *original;

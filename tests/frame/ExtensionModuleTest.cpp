@@ -107,7 +107,7 @@ TEST(ExtensionModuleTest, SwitchRequestAddsTheCabinetUnlessOneIsThere) {
     TestModule module;
     module.Start(&sw, 0);
     CommandRecord request(0x2110, 0, 0, 0, status::kNone);
-    request.Document()["SIP"]["CMD"][0].RemoveMember("CA");
+    request.RemoveField("CA");
     module.SendSwitchRequest(request, 5000);
     EXPECT_EQ(sw.requests.back(), "{\"SIP\":{\"V\":1,\"CMD\":[{\"OC\":8464,\"CA\":3}]}}");
     EXPECT_EQ(sw.lastTimeout, 5000u);

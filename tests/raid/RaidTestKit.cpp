@@ -26,7 +26,7 @@ int FakeSwitch::SendRequest(CIExtensionModule*, CommandRecord* record, uint32_t 
     reply.Parse(it->second.c_str());
     for (const char* name : {"ST", "DA"}) {
         if (const rapidjson::Value* v = CommandRecord::FindMember(reply, name)) {
-            record->SetField(name, rapidjson::Value(*v, record->Document().GetAllocator()));
+            record->CopyField(name, *v);
         }
     }
     return 0;

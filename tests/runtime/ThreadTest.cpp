@@ -33,7 +33,7 @@ TEST(ThreadTest, KillJoinsAJoinableThreadOnce) {
     ScopedTraceLevel level(2);
     Worker worker;
     CThread thread;
-    ASSERT_TRUE(thread.Start(Worker::Run, &worker, 63, false, 0, 0, true));
+    ASSERT_TRUE(thread.Start(Worker::Run, &worker, CThread::Options::Waitable(63)));
     EXPECT_NE(thread.Handle(), 0u);
     while (worker.runs == 0)
         std::this_thread::yield();
@@ -51,14 +51,14 @@ TEST(ThreadTest, KillJoinsAJoinableThreadOnce) {
 TEST(ThreadTest, StartWaitsForTheRunningThreadFirst) {
     Worker worker;
     CThread thread;
-    ASSERT_TRUE(thread.Start(Worker::Run, &worker, 0, false, 0, 0, true));
+    ASSERT_TRUE(thread.Start(Worker::Run, &worker, CThread::Options::Waitable(0)));
     while (worker.runs == 0)
         std::this_thread::yield();
     std::thread releaser([&] {
         EXPECT_EQ(worker.runs, 1);  // the second Start waits in Kill for the first thread
         worker.stop.Set();
     });
-    ASSERT_TRUE(thread.Start(Worker::Run, &worker, 0, false, 0, 0, true));
+    ASSERT_TRUE(thread.Start(Worker::Run, &worker, CThread::Options::Waitable(0)));
     releaser.join();
     while (worker.runs < 2)
         std::this_thread::yield();
@@ -69,7 +69,7 @@ TEST(ThreadTest, DestructionJoinsTheThread) {
     Worker worker;
     {
         CThread thread;
-        ASSERT_TRUE(thread.Start(Worker::Run, &worker, 63, false, 0, 0, true));
+        ASSERT_TRUE(thread.Start(Worker::Run, &worker, CThread::Options::Waitable(63)));
         worker.stop.Set();
     }
     EXPECT_EQ(worker.runs, 1);

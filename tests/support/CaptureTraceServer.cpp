@@ -7,6 +7,7 @@
 
 #include "raid/EM_TLRAID.h"
 #include "runtime/DebugClient.h"
+#include "runtime/InitOrder.h"
 
 __attribute__((visibility("default"))) CaptureTraceServer Debug;
 
@@ -16,7 +17,7 @@ namespace {
 struct CTraceNameAtLoad {
     CTraceNameAtLoad() { g_DebugClient.Initialize(EM_TLRAID::kModuleName); }
 };
-__attribute__((init_priority(102))) CTraceNameAtLoad g_TraceNameAtLoad;
+__attribute__((init_priority(kInitAfterTraceClient))) CTraceNameAtLoad g_TraceNameAtLoad;
 
 }  // namespace
 

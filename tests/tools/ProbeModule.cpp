@@ -35,7 +35,7 @@ class ProbeModule : public CExtensionModule {
         switch (oc) {
             case 1: {
                 CommandRecord request(oe, 0, 0, 0, status::kNone);
-                request.Document()["SIP"]["CMD"][0].RemoveMember("CA");
+                request.RemoveField("CA");
                 SendSwitchRequest(request, oi);
                 record->SetField("DA2", rapidjson::Value(request.GetField("DA", 0)));
                 record->SetDataUInt(request.GetField("ST", 99), 0);

@@ -39,11 +39,10 @@ int HostSwitch::SendRequest(CIExtensionModule*, CommandRecord* record, uint32_t 
     }
     rapidjson::Document reply;
     reply.Parse(replyJson.c_str(), replyJson.size());
-    auto& allocator = record->Document().GetAllocator();
     for (const char* name : {"ST", "DA"}) {
         const rapidjson::Value* value = CommandRecord::FindMember(reply, name);
         if (value)
-            record->SetField(name, rapidjson::Value(*value, allocator));
+            record->CopyField(name, *value);
     }
     return 0;
 }

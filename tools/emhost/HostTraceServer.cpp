@@ -3,10 +3,12 @@
 #include <cstdarg>
 #include <vector>
 
+#include "runtime/Pipe.h"
+
 __attribute__((visibility("default"))) HostTraceServer Debug;
 
 bool HostTraceServer::OpenFile(const std::string& path) {
-    std::unique_ptr<FILE, FileCloser> file(fopen(path.c_str(), "a"));
+    FilePtr file(fopen(path.c_str(), "a"));
     if (!file)
         return false;
     std::lock_guard<std::mutex> lock(m_Mutex);

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <string>
 
+#include "runtime/Pipe.h"
 #include "runtime/TraceServer.h"
 
 // The host's trace server: writes every message exactly as formatted, with no time stamp,
@@ -33,13 +34,10 @@ class HostTraceServer : public CITraceServer {
     void TraceMessage(const char* format, va_list* args, const char* moduleName) override;
 
   private:
-    struct FileCloser {
-        void operator()(FILE* f) const { fclose(f); }
-    };
     void Append(const char* format, va_list args);
 
     std::mutex m_Mutex;
-    std::unique_ptr<FILE, FileCloser> m_pFile;
+    FilePtr m_pFile;
     Listener m_Listener;
     bool m_bDiscard = false;
 };

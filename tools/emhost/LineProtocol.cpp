@@ -178,7 +178,7 @@ std::string LineProtocol::Record(const std::string& json, uint32_t index) {
     CommandRecord record;
     if (!record.SetJson(json))
         throw ActionError("the record is no JSON");
-    record.m_nCurrentCommand = index;
+    record.SelectCommand(index);
     uint32_t ret = m_pModule->ModuleRequest(&record);
     return JsonLine().UInt("ret", ret).Raw("record", record.ToJson()).Done();
 }

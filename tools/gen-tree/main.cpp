@@ -6,16 +6,13 @@
 
 #include "GenTreeOptions.h"
 #include "TreeWriter.h"
+#include "runtime/Pipe.h"
 
 namespace {
 
 constexpr int kExitDone = 0;
 constexpr int kExitWriteFailed = 1;
 constexpr int kExitBadOptions = 2;
-
-struct FileCloser {
-    void operator()(FILE* pFile) const { fclose(pFile); }
-};
 
 int WriteOut(const std::string& sText, const std::string& sPath) {
     if (sPath.empty()) {
@@ -25,7 +22,7 @@ int WriteOut(const std::string& sText, const std::string& sPath) {
         }
         return kExitDone;
     }
-    std::unique_ptr<FILE, FileCloser> file(fopen(sPath.c_str(), "wb"));
+    FilePtr file(fopen(sPath.c_str(), "wb"));
     if (!file) {
         perror(("gen-tree: " + sPath).c_str());
         return kExitWriteFailed;

@@ -16,6 +16,7 @@
 #include "SimOptions.h"
 #include "SimScenario.h"
 #include "TlsIdentity.h"
+#include "runtime/Pipe.h"
 
 // The simulated REST daemon: login, storage tree and Redfish pass-through over HTTPS.
 class CSimServer {
@@ -54,10 +55,6 @@ class CSimServer {
     bool WaitUntilOpen();
     bool IsStopping();
 
-    struct FileClose {
-        void operator()(FILE* file) const { fclose(file); }
-    };
-
     CSimOptions m_Options;
     std::unique_ptr<const CSimScenario> m_pScenario;
     std::chrono::steady_clock::time_point m_Start;
@@ -69,7 +66,7 @@ class CSimServer {
     std::set<std::string> m_IssuedTokens;
 
     std::mutex m_LogLock;
-    std::unique_ptr<FILE, FileClose> m_pLog;
+    FilePtr m_pLog;
 
     std::mutex m_StopLock;
     std::condition_variable m_StopWake;

@@ -7,15 +7,12 @@
 
 #include <cstdio>
 
+#include "runtime/Pipe.h"
+
 namespace {
 
 constexpr long kValidBeforeNowSec = 3600;
 constexpr long kValidForSec = 10L * 365 * 24 * 3600;
-
-struct FileClose {
-    void operator()(FILE* file) const { fclose(file); }
-};
-using FilePtr = std::unique_ptr<FILE, FileClose>;
 
 struct X509ExtensionFree {
     void operator()(X509_EXTENSION* ext) const { X509_EXTENSION_free(ext); }
