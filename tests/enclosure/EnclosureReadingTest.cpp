@@ -188,7 +188,7 @@ TEST(ReadEnclosureStates, EndsOfTheWalk) {
     // The caller's positions are kept.
     CTLRaidData doc;
     ASSERT_TRUE(doc.SetDoc(WholeTree(failed)));
-    ASSERT_TRUE(doc.FindElem("amEMTL") && doc.IntoElem() && doc.FindElem("System"));
+    ASSERT_TRUE(doc.FindElem(kStorageTreeRoot) && doc.IntoElem() && doc.FindElem("System"));
     const uint32_t parent = doc.GetParentPos(), main = doc.GetMainPos();
     std::vector<CommandRecord> events;
     EXPECT_EQ(ReadEnclosureStates(reading.m_Map, events, doc), 1);

@@ -139,7 +139,7 @@ TEST(StorageExport, SourceWithoutRootLeavesTargetEmptyAndPositionsAlone) {
     EXPECT_EQ(out, "before");
 
     source.SetDoc(SampleTree("demo.xml"));
-    ASSERT_TRUE(source.FindElem("amEMTL") && source.IntoElem() && source.FindElem("System") &&
+    ASSERT_TRUE(source.FindElem(kStorageTreeRoot) && source.IntoElem() && source.FindElem("System") &&
                 source.FindChildElem("Adapter"));
     const uint32_t parent = source.GetParentPos(), main = source.GetMainPos(),
                    child = source.GetChildPos();

@@ -153,7 +153,7 @@ TEST(GetMDCProgressMap, EveryDriveByItsKey) {
 TEST(GetMDCProgressMap, SampleTreeAndBrokenTrees) {
     CTLRaidData doc;
     ASSERT_TRUE(doc.SetDoc(SampleTree("logical-drives.xml")));
-    ASSERT_TRUE(doc.FindElem("amEMTL"));
+    ASSERT_TRUE(doc.FindElem(kStorageTreeRoot));
     const uint32_t main = doc.GetMainPos();
     const std::map<std::string, int16_t> progress = doc.GetMDCProgressMap();
     EXPECT_EQ(doc.GetMainPos(), main);
