@@ -27,6 +27,8 @@ constexpr int64_t kMaxBurstThreads = 256;
 constexpr int64_t kMaxBurstCalls = 10000000;
 constexpr int64_t kMaxWaitMs = 24LL * 3600 * 1000;
 constexpr int64_t kU32Max = 0xFFFFFFFFLL;
+// A record's commands are numbered up to here; a higher index is refused, never padded to.
+constexpr int64_t kMaxCommandIndex = 65535;
 constexpr size_t kMaxNesting = 512;
 
 // A line that can't be carried out; its text becomes the error line.
@@ -296,14 +298,14 @@ std::string LineProtocol::Answer(const rapidjson::Value& line) {
 
 std::string LineProtocol::Request(const rapidjson::Value& line) {
     std::string record = ToJson(ObjectMember(line, "record"));
-    auto index = static_cast<uint32_t>(IntMember(line, "index", 0, 0, kU32Max));
+    auto index = static_cast<uint32_t>(IntMember(line, "index", 0, 0, kMaxCommandIndex));
     return Record(record, index);
 }
 
 std::string LineProtocol::Burst(const rapidjson::Value& line) {
     std::string json = ToJson(ObjectMember(line, "record"));
     int64_t threads = IntMember(line, "threads", std::nullopt, 1, kMaxBurstThreads);
-    int64_t repeat = IntMember(line, "repeat", std::nullopt, 0, kMaxBurstCalls);
+    int64_t repeat = IntMember(line, "repeat", std::nullopt, 1, kMaxBurstCalls);
     if (threads * repeat > kMaxBurstCalls) {
         throw ActionError("threads * repeat is above " + std::to_string(kMaxBurstCalls));
     }
