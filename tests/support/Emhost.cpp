@@ -1,9 +1,6 @@
 #include "support/Emhost.h"
 
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
-
+#include "support/SandboxHost.h"
 #include "support/TempDir.h"
 
 namespace {
@@ -19,12 +16,6 @@ std::string WithoutElapsed(const std::string& line) {
     size_t end = out.find_first_not_of("0123456789", digits);
     out.replace(digits, (end == std::string::npos ? out.size() : end) - digits, "T");
     return out;
-}
-
-long ElapsedMs(const std::string& line) {
-    size_t at = line.find(kElapsed);
-    return at == std::string::npos ? -1
-                                   : strtol(line.c_str() + at + sizeof(kElapsed) - 1, nullptr, 10);
 }
 
 std::vector<std::string> SampleHostOptions() {
@@ -49,9 +40,6 @@ EmhostRun RunEmhost(const std::vector<std::string>& inputLines, const EmhostOpti
     EmhostRun run;
     run.process = RunProcess(InSandbox(options.sandbox, argv), input);
     run.lines = Lines(run.process.out);
-    std::ifstream trace(tracePath, std::ios::binary);
-    std::ostringstream text;
-    text << trace.rdbuf();
-    run.trace = text.str();
+    run.trace = ReadWholeFile(tracePath);
     return run;
 }

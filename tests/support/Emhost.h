@@ -23,8 +23,6 @@ struct EmhostOptions {
 
 // A result line with its elapsed milliseconds ("ms":N) shown as "ms":T, since they vary.
 std::string WithoutElapsed(const std::string& line);
-// The elapsed milliseconds of a result line, -1 without them.
-long ElapsedMs(const std::string& line);
 
 // Sandbox options that give its host the sample inventory of samples/localcli (PCI and NIC
 // lists, device names, the kernel's device list), as scripts/demo gives it.
