@@ -2,7 +2,6 @@
 // its lifetime. Exchanges with a daemon are in RestSessionTest.cpp.
 
 #include <gtest/gtest.h>
-#include <rapidjson/document.h>
 
 #include <algorithm>
 #include <atomic>
@@ -29,14 +28,10 @@ int64_t FakeNow() {
     return now;
 }
 
-void SetClock(std::initializer_list<int64_t> readings) {
-    g_ClockReadings = readings;
-}
-
-TLRAIDRestClientSettings FakeClockSettings(int64_t lifetime = 300) {
+TLRAIDRestClientSettings ClockSettings(int64_t (*now)(), int64_t lifetime = 300) {
     TLRAIDRestClientSettings settings;
     settings.nTokenLifetime = lifetime;
-    settings.pNow = FakeNow;
+    settings.pNow = now;
     return settings;
 }
 
@@ -74,7 +69,6 @@ TEST_F(RestClientTest, HostIsTheFirstLineLessItsLastCharacter) {
         {"printf 'x'", false, "", "GetMainServerIpAddress : could not read hostname"},
         {"printf '\\n127.0.0.1\\n'", false, "", "GetMainServerIpAddress : could not read hostname"},
         {"true", false, "untouched", "GetMainServerIpAddress: failed to read output"},
-        {"exit 3", false, "untouched", "GetMainServerIpAddress: failed to read output"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.command);
@@ -88,16 +82,12 @@ TEST_F(RestClientTest, HostIsTheFirstLineLessItsLastCharacter) {
 
 TEST_F(RestClientTest, NoHostMeansNoRequestAndUntouchedOutput) {
     CTestRestClient client(LsofSettings("printf 'x'"));
-    std::string xml = "old tree";
-    std::string reply = "old reply";
+    std::string xml = "old tree", reply = "old reply";
     EXPECT_FALSE(client.GetXmlSdt(xml, 5));
     EXPECT_FALSE(client.SendRedfishRequest("{}", reply, 5));
-    EXPECT_EQ(xml, "old tree");
-    EXPECT_EQ(reply, "old reply");
+    EXPECT_EQ(xml + "/" + reply, "old tree/old reply");
     const std::vector<std::string> messages = Debug.TakeMessages();
-    EXPECT_FALSE(Traced(messages, "SetAuthToken"));
-    EXPECT_FALSE(Traced(messages, "SendGet"));
-    EXPECT_FALSE(Traced(messages, "CrudMethod::POST"));
+    EXPECT_FALSE(Traced(messages, "SetAuthToken") || Traced(messages, "CrudMethod::POST"));
 }
 
 TEST_F(RestClientTest, AccessTokenIsTheFirstTopLevelStringMember) {
@@ -111,12 +101,10 @@ TEST_F(RestClientTest, AccessTokenIsTheFirstTopLevelStringMember) {
         {R"({"access_token":"first","access_token":"second"})", "first"},
         {R"({"outer":{"access_token":"abc"}})", ""},
         {R"({"access_token":5})", ""},
-        {R"({"access_token":null})", ""},
         {R"({"access_tokens":"abc","access_toke":"abc"})", ""},
         {R"(["access_token","abc"])", ""},
         {R"({"access_token":"abc")", ""},
         {"not json", ""},
-        {"", ""},
     };
     CTestRestClient client;
     for (const Row& row : rows) {
@@ -136,10 +124,7 @@ int64_t SharedNow() {
 }
 
 TEST_F(RestClientTest, ThreadsLoggingInTogetherGetTheHeldJwt) {
-    TLRAIDRestClientSettings settings;
-    settings.nTokenLifetime = 300;
-    settings.pNow = SharedNow;
-    CTestRestClient client(settings);
+    CTestRestClient client(ClockSettings(SharedNow));
     // The first logins find no token, the later ones a held or an expired one: every thread
     // gets the token that the client holds afterwards.
     std::vector<std::string> previous;
@@ -182,25 +167,19 @@ TEST_F(RestClientTest, JwtClaimsAreIssuerIssuedAtAndExpiry) {
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.iat);
-        CTestRestClient client(FakeClockSettings(row.lifetime));
-        SetClock({row.firstReading, row.secondReading});
+        CTestRestClient client(ClockSettings(FakeNow, row.lifetime));
+        g_ClockReadings = {row.firstReading, row.secondReading};
         const std::string token = client.CreateJwt();
         EXPECT_EQ(client.m_sJwt, token);
 
         // A second implementation must accept the signature and read the same claims.
         const ProcessResult check =
             RunProcess({TLR_PYTHON3, SourcePath("tests/rest/check_jwt.py"), token, "--ignore-exp"});
-        ASSERT_EQ(check.exitCode, 0) << token;
-        rapidjson::Document doc;
-        doc.Parse(check.out.c_str());
-        ASSERT_TRUE(doc.IsObject()) << check.out;
-        EXPECT_STREQ(doc["header"]["typ"].GetString(), "JWT");
-        EXPECT_STREQ(doc["header"]["alg"].GetString(), "HS256");
-        const rapidjson::Value& claims = doc["claims"];
-        EXPECT_EQ(claims.MemberCount(), 3u) << check.out;
-        EXPECT_STREQ(claims["iss"].GetString(), "TLRM_CLIENT_TLAS");
-        EXPECT_EQ(claims["iat"].GetInt64(), row.iat);
-        EXPECT_EQ(claims["exp"].GetInt64(), row.exp);
+        EXPECT_EQ(check.exitCode, 0) << token;
+        EXPECT_EQ(check.out, "{\"claims\": {\"exp\": " + std::to_string(row.exp) +
+                                 ", \"iat\": " + std::to_string(row.iat) +
+                                 ", \"iss\": \"TLRM_CLIENT_TLAS\"}, \"header\": {\"alg\": "
+                                 "\"HS256\", \"typ\": \"JWT\"}}\n");
     }
 }
 

@@ -1,27 +1,22 @@
 #include "SessionKit.h"
 
-#include <stdlib.h>
-
-#include <filesystem>
-#include <fstream>
-
 #include "support/Process.h"
+#include "support/SandboxHost.h"
 
+namespace {
+
+// One JSON document per line; lines that don't parse are left out.
 std::vector<rapidjson::Document> ParseLines(const std::string& text) {
-    std::vector<rapidjson::Document> lines;
-    size_t start = 0;
-    while (start < text.size()) {
-        size_t end = text.find('\n', start);
-        if (end == std::string::npos)
-            end = text.size();
+    std::vector<rapidjson::Document> documents;
+    for (const std::string& line : Lines(text)) {
         rapidjson::Document doc;
-        doc.Parse(text.c_str() + start, end - start);
-        if (!doc.HasParseError())
-            lines.push_back(std::move(doc));
-        start = end + 1;
+        if (!doc.Parse(line.c_str()).HasParseError())
+            documents.push_back(std::move(doc));
     }
-    return lines;
+    return documents;
 }
+
+}  // namespace
 
 std::string Str(const rapidjson::Value& object, const char* key) {
     if (!object.IsObject() || !object.HasMember(key) || !object[key].IsString())
@@ -35,38 +30,12 @@ std::string IssuedToken(const rapidjson::Value& request) {
     return Str(reply, "access_token");
 }
 
-std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-void WriteFile(const std::string& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
-
-void RestSandboxTest::SetUp() {
-    char dir[] = "/tmp/tlr-rest-session.XXXXXX";
-    ASSERT_NE(mkdtemp(dir), nullptr);
-    m_sDir = dir;
-    m_sTree = m_sDir + "/tree.xml";
-    m_sControl = m_sDir + "/control.json";
-    m_sLog = m_sDir + "/requests.jsonl";
-    WriteFile(m_sTree, m_sInitialTree);
-}
-
-void RestSandboxTest::TearDown() {
-    if (!m_sDir.empty())
-        std::filesystem::remove_all(m_sDir);
-}
-
 Session RestSandboxTest::Run(const std::vector<std::string>& steps,
-                             const std::vector<std::string>& sandboxOptions, bool withSim) {
+                             const std::vector<std::string>& sandboxOptions) {
     std::vector<std::string> options = {"--trace-level", "6"};
     options.insert(options.end(), sandboxOptions.begin(), sandboxOptions.end());
-    if (withSim) {
-        options.insert(options.end(), {"--sim", "--tree " + m_sTree + " --control " + m_sControl +
-                                                    " --log " + m_sLog});
-    }
+    options.insert(options.end(), {"--sim", "--tree " + m_sTree + " --control " + m_sControl +
+                                                " --log " + m_sLog});
     std::vector<std::string> argv = {BuildPath("tests/tlr-rest-driver")};
     argv.insert(argv.end(), steps.begin(), steps.end());
     const ProcessResult result = RunProcess(InSandbox(options, argv));
@@ -74,6 +43,6 @@ Session RestSandboxTest::Run(const std::vector<std::string>& steps,
     session.nStatus = result.exitCode;
     session.sOut = result.out;
     session.steps = ParseLines(result.out);
-    session.requests = ParseLines(ReadFile(m_sLog));
+    session.requests = ParseLines(ReadWholeFile(m_sLog));
     return session;
 }

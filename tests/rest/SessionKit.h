@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "support/TempDir.h"
+
 struct Session {
     int nStatus = -1;
     std::string sOut;
@@ -16,29 +18,23 @@ struct Session {
     std::vector<rapidjson::Document> requests;
 };
 
-// One JSON document per line; lines that don't parse are left out.
-std::vector<rapidjson::Document> ParseLines(const std::string& text);
 // A string member, or "<none>".
 std::string Str(const rapidjson::Value& object, const char* key);
 // The access token that a login reply carried.
 std::string IssuedToken(const rapidjson::Value& request);
-std::string ReadFile(const std::string& path);
-void WriteFile(const std::string& path, const std::string& text);
 
 // A private directory with the simulator's tree, control file and request log.
 class RestSandboxTest : public ::testing::Test {
   protected:
-    explicit RestSandboxTest(const std::string& tree) : m_sInitialTree(tree) {}
-    void SetUp() override;
-    void TearDown() override;
+    explicit RestSandboxTest(const std::string& tree) : m_sTree(m_Dir.Write("tree.xml", tree)) {}
 
-    // Runs the driver's steps in the sandbox, with the simulator unless withSim is false.
+    // Runs the driver's steps in the sandbox, with the simulator.
     Session Run(const std::vector<std::string>& steps,
-                const std::vector<std::string>& sandboxOptions = {}, bool withSim = true);
+                const std::vector<std::string>& sandboxOptions = {});
+    void Control(const std::string& json) { m_Dir.Write("control.json", json); }
 
-    std::string m_sInitialTree;
-    std::string m_sDir;
+    TempDir m_Dir;
     std::string m_sTree;
-    std::string m_sControl;
-    std::string m_sLog;
+    std::string m_sControl = m_Dir.Path() + "/control.json";
+    std::string m_sLog = m_Dir.Path() + "/requests.jsonl";
 };

@@ -1,7 +1,6 @@
-"""Checks a JWT of the REST client with a second implementation (PyJWT).
+"""check_jwt.py TOKEN [--ignore-exp]: checks a JWT of the REST client with PyJWT.
 
-Usage: check_jwt.py TOKEN [--ignore-exp]
-Prints {"header": ..., "claims": ...} when the token is signed HS256 with the daemon's key
+Prints {"claims": ..., "header": ...} (keys sorted) when the token is signed HS256 with the daemon's key
 and carries the issuer, iat and exp; exits 1 with the reason otherwise.
 """
 import json
@@ -25,7 +24,7 @@ def main(argv):
     except jwt.PyJWTError as error:
         print(f"refused: {error}", file=sys.stderr)
         return 1
-    print(json.dumps({"header": header, "claims": claims}))
+    print(json.dumps({"header": header, "claims": claims}, sort_keys=True))
     return 0
 
 
