@@ -1,18 +1,16 @@
-// tlr-rest-driver: runs REST client operations for the session tests, inside the sandbox.
-//
-//   tlr-rest-driver STEP...                          one after the other
-//   tlr-rest-driver --thread STEP... [--thread STEP...]...   each group on a thread of its own
+// tlr-rest-driver [--thread] STEP... [--thread STEP...]...: runs REST client operations for
+// the session tests, inside the sandbox; each group of steps after a --thread on a thread of
+// its own, all at once, and all on one client, so that its JWT carries from step to step.
 //     sdt:TIMEOUT              GetXmlSdt
 //     redfish:TIMEOUT:BODY     SendRedfishRequest
-//
-// One client serves all steps, so that its JWT carries from step to step. Each step prints
-// one JSON line as it ends: {"thread","step","ok","out","jwt","trace":[messages since the
-// line before]}. The out text starts as "untouched" so that a test sees whether the
-// operation replaced it.
+// Each step prints one JSON line as it ends: {"thread","step","ok","out","jwt","trace":
+// [messages since the line before]}. The out text starts as "untouched" so that a test sees
+// whether the operation replaced it.
 
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
@@ -24,8 +22,6 @@
 #include "support/CaptureTraceServer.h"
 
 namespace {
-
-std::mutex g_PrintLock;
 
 void PrintStep(int thread, const std::string& step, bool ok, const std::string& out,
                CTestRestClient& client) {
@@ -51,24 +47,25 @@ void PrintStep(int thread, const std::string& step, bool ok, const std::string& 
         string(message);
     writer.EndArray();
     writer.EndObject();
-    std::lock_guard<std::mutex> lock(g_PrintLock);
+    static std::mutex printLock;
+    std::lock_guard<std::mutex> lock(printLock);
     printf("%s\n", buffer.GetString());
     fflush(stdout);
 }
 
 // Runs one step; false when the step can't be read.
 bool RunStep(int thread, const std::string& step, CTestRestClient& client) {
-    const size_t colon = step.find(':');
+    const size_t colon = step.find(':'), body = step.find(':', colon + 1);
+    if (colon == std::string::npos)
+        return false;
     const std::string name = step.substr(0, colon);
-    const std::string rest = colon == std::string::npos ? "" : step.substr(colon + 1);
-    const uint32_t timeout = static_cast<uint32_t>(strtoul(rest.c_str(), nullptr, 10));
-    const size_t body = rest.find(':');
+    const auto timeout = static_cast<uint32_t>(strtoul(step.c_str() + colon + 1, nullptr, 10));
     std::string out = "untouched";
     bool ok = false;
-    if (name == "sdt" && colon != std::string::npos)
+    if (name == "sdt")
         ok = client.GetXmlSdt(out, timeout);
     else if (name == "redfish" && body != std::string::npos)
-        ok = client.SendRedfishRequest(rest.substr(body + 1), out, timeout);
+        ok = client.SendRedfishRequest(step.substr(body + 1), out, timeout);
     else
         return false;
     PrintStep(thread, name, ok, out, client);
@@ -80,35 +77,28 @@ bool RunStep(int thread, const std::string& step, CTestRestClient& client) {
 int main(int argc, char** argv) {
     CTestRestClient client;
     Debug.TakeMessages();
-    const bool threaded = argc > 1 && std::string(argv[1]) == "--thread";
-    std::vector<std::vector<std::string>> groups(threaded ? 0 : 1);
+    std::vector<std::vector<std::string>> groups(1);
     for (int i = 1; i < argc; ++i) {
-        if (std::string(argv[i]) == "--thread")
-            groups.emplace_back();
-        else
+        if (std::string(argv[i]) != "--thread")
             groups.back().push_back(argv[i]);
+        else if (i > 1)
+            groups.emplace_back();
     }
-    std::vector<std::string> errors(groups.size());
-    auto run = [&](size_t group) {
-        for (const std::string& step : groups[group]) {
-            if (!RunStep(static_cast<int>(group), step, client)) {
-                errors[group] = "bad step " + step;
-                return;
-            }
-        }
-    };
+    std::atomic<bool> bad{false};
     std::vector<std::thread> threads;
-    for (size_t t = 0; threaded && t < groups.size(); ++t)
-        threads.emplace_back(run, t);
-    if (!threaded)
-        run(0);
+    for (size_t t = 0; t < groups.size(); ++t) {
+        threads.emplace_back([&, t] {
+            for (const std::string& step : groups[t]) {
+                if (!RunStep(static_cast<int>(t), step, client)) {
+                    bad = true;
+                    return;
+                }
+            }
+        });
+    }
     for (std::thread& thread : threads)
         thread.join();
-    for (const std::string& error : errors) {
-        if (!error.empty()) {
-            fprintf(stderr, "tlr-rest-driver: %s\n", error.c_str());
-            return 2;
-        }
-    }
-    return 0;
+    if (bad)
+        fprintf(stderr, "tlr-rest-driver: a step it can't read\n");
+    return bad ? 2 : 0;
 }

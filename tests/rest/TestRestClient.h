@@ -6,12 +6,9 @@
 class CTestRestClient : public TLRAIDRestClient {
   public:
     using TLRAIDRestClient::TLRAIDRestClient;
-
     using TLRAIDRestClient::CreateJwt;
     using TLRAIDRestClient::GetAccessToken;
     using TLRAIDRestClient::GetMainServerIpAddress;
     using TLRAIDRestClient::HeldJwt;
     using TLRAIDRestClient::JwtForLogin;
-
-    using TLRAIDRestClient::m_sJwt;
 };
