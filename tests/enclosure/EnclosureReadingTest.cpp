@@ -76,15 +76,6 @@ class Reading {
     std::vector<CommandRecord> m_Events;
 };
 
-TEST(ReadEnclosureStates, EventRecordsByteForByte) {
-    Reading reading(OneEnclosure(Processor({"OK", "OK"})));
-    EXPECT_EQ(reading.Read(OneEnclosure(Processor({"Critical", "Not Installed"}))),
-              "{\"OC\":769,\"CA\":800,\"ST\":2} {\"OC\":769,\"OI\":1,\"CA\":800,\"ST\":6}");
-    ASSERT_EQ(reading.m_Events.size(), 2u);
-    EXPECT_EQ(reading.m_Events[0].ToJson(),
-              "{\"SIP\":{\"V\":1,\"CMD\":[{\"OC\":769,\"CA\":800,\"ST\":2}]}}");
-}
-
 TEST(ReadEnclosureStates, OnlyAChangedCodeFires) {
     Reading reading(OneEnclosure(Processor({"OK", "OK"}, {"30/OK"})));
     // Each step: the fans, the sensor, and the events that this reading gives.
@@ -202,27 +193,8 @@ TEST(ReadEnclosureStates, Trace) {
     Reading reading(setup);
     reading.Read(setup);  // redundancy found at the first reading
     ScopedTraceLevel level(4);
-    Debug.Take();
     reading.Read(OneEnclosure(Processor({"Critical"}, {"41/Critical"}, {"Critical", "OK"})));
-    const std::string tag = "\nEM_TLRAID           : ", read = tag + "ReadEnclosureStates   - ";
-    const std::string redundancy = tag + "EnclosurePSRedundancy, CabinetNr = 800" +
-                                   "\nEM_TLRaid           : cabinet 800 found" + tag +
-                                   "EnclosurePSRedundancy, CabinetNr = 800, redundancy = false" +
-                                   tag + "                       bChanged = ";
-    EXPECT_EQ(Debug.Take(),
-              tag + "ReadEnclosureStates" + read + "Multiplexer status Operational" + read +
-                  "SAS port 0 (Encl)" + tag +
-                  "fire CM_FanStatus event, ObjectID = 0, Cabinet = 800, Status = 2" + read +
-                  "Fan 800-0 (Fan 0), status = 2" + read + "TempSensor800-0 (T), temperature = 41" +
-                  tag + "fire CM_TempSensorStatus event, ObjectID = 0, Cabinet = 800, Status = 5" +
-                  read + "TempSensor800-0 (T), status = 5" + tag +
-                  "fire CM_PowerSupplyStatus event, ObjectID = 0, Cabinet = 800, Status = 2" +
-                  read + "PowerSupply 800-0 (PSU), status = 2" + redundancy + "true" + tag +
-                  "fire CM_PowerSupplyRedundancy event, Cabinet = 800, Redundancy = 0" + read +
-                  "PowerSupply 800-1 (PSU), status = 1" + redundancy + "false" + tag +
-                  "ReadEnclosureStates - Enclosure = 'JBOD VK16', Processor 'SES': 1 Fans, 1 "
-                  "Temp Sensors, 2 Power Supplies" +
-                  read + "exit");
+    EXPECT_EQ(Debug.Take() + "\n", SourceText("tests/enclosure/testdata/reading-trace.txt"));
 }
 
 }  // namespace
