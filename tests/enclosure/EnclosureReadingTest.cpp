@@ -149,11 +149,9 @@ TEST(ReadEnclosureStates, ObjectsWithoutRecordsAreOnlyWalked) {
 }
 
 TEST(ReadEnclosureStates, EndsOfTheWalk) {
-    const std::string good =
-        Adapter("Adapter 0", 0, Port("SAS", 0, Encl("A VK16", Processor({"OK"}))));
+    Reading reading(OneEnclosure(Processor({"OK"})));
     const std::string failed =
         Adapter("Adapter 0", 0, Port("SAS", 0, Encl("A VK16", Processor({"Critical"}))));
-    Reading reading(WholeTree(good));
 
     // Not ready: nothing read, nothing stored, result 1.
     std::string notReady = WholeTree(failed);
@@ -166,15 +164,8 @@ TEST(ReadEnclosureStates, EndsOfTheWalk) {
               "{\"OC\":769,\"CA\":800,\"ST\":2}");
     EXPECT_EQ(reading.m_Map.m_Fans.at("800-0").Status, 2);
     // A short name is enough here.
-    EXPECT_EQ(
-        reading.Read(WholeTree(Adapter("A", 0, Port("SAS", 0, Encl("A VK16", Processor({"OK"})))))),
-        "{\"OC\":769,\"CA\":800,\"ST\":1}");
-
-    // A port of another type hides the SAS ports behind it.
-    EXPECT_EQ(reading.Read(WholeTree(Adapter(
-                  "Adapter 0", 0,
-                  Port("SATA", 0, "") + Port("SAS", 1, Encl("A VK16", Processor({"Critical"})))))),
-              "");
+    EXPECT_EQ(reading.Read(OneEnclosure(Processor({"OK"}), "A")),
+              "{\"OC\":769,\"CA\":800,\"ST\":1}");
 
     // The caller's positions are kept.
     CTLRaidData doc;

@@ -2,6 +2,7 @@
 // their objects, and the trace of a walk.
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,41 +15,23 @@
 
 namespace {
 
-struct SetupResult {
-    int count;
-    std::string cabinets;
-};
-
-SetupResult RunSetup(const std::string& text) {
-    CTLRaidData doc;
-    EXPECT_TRUE(doc.SetDoc(text)) << text;
-    EnclosureMap map;
-    int count = SetupEnclosureMap(map, doc);
-    return {count, Cabinets(map)};
-}
-
 std::string OneAdapter(const std::string& enclosures) {
     return WholeTree(Adapter("Adapter 0", 0, Port("SAS", 0, enclosures)));
 }
 
 // Each object as "key index name [designation] status[/location] [temperatures];".
 std::string Objects(const EnclosureMap& map) {
-    std::string text;
-    auto add = [&text](const std::string& key, uint32_t index, const std::string& name,
-                       const std::string& rest) {
-        text += key + " " + std::to_string(index) + " " + name + " " + rest + ";";
-    };
-    auto n = [](uint32_t value) { return std::to_string(value); };
-    for (const auto& [key, fan] : map.m_Fans)
-        add(key, fan.Index, fan.Name,
-            fan.Designation + " " + n(fan.Status) + "/" + n(fan.Location));
+    std::ostringstream out;
+    for (const auto& [key, f] : map.m_Fans)
+        out << key << " " << f.Index << " " << f.Name << " " << f.Designation << " " << +f.Status
+            << "/" << +f.Location << ";";
     for (const auto& [key, t] : map.m_TempSensors)
-        add(key, t.Index, t.Name,
-            n(t.Status) + "/" + n(t.Location) + " " + n(t.Temperature) + "/" +
-                n(t.WarningTemperature) + "/" + n(t.CriticalTemperature));
-    for (const auto& [key, supply] : map.m_PowerSupplies)
-        add(key, supply.Index, supply.Name, n(supply.Status));
-    return text;
+        out << key << " " << t.Index << " " << t.Name << " " << +t.Status << "/" << +t.Location
+            << " " << +t.Temperature << "/" << +t.WarningTemperature << "/"
+            << +t.CriticalTemperature << ";";
+    for (const auto& [key, s] : map.m_PowerSupplies)
+        out << key << " " << s.Index << " " << s.Name << " " << +s.Status << ";";
+    return out.str();
 }
 
 // Each case of testdata/setup-rules.txt is three lines: "# what", "count cabinets" as the
@@ -59,26 +42,18 @@ TEST(SetupEnclosureMap, Rules) {
     ASSERT_FALSE(lines.empty());
     ASSERT_EQ(lines.size() % 3, 0u);
     for (size_t i = 0; i < lines.size(); i += 3) {
-        const SetupResult r = RunSetup(lines[i + 2]);
-        EXPECT_EQ(std::to_string(r.count) + " " + r.cabinets, lines[i + 1]) << lines[i];
+        CTLRaidData doc;
+        EXPECT_TRUE(doc.SetDoc(lines[i + 2])) << lines[i];
+        EnclosureMap map;
+        const int count = SetupEnclosureMap(map, doc);
+        EXPECT_EQ(std::to_string(count) + " " + Cabinets(map), lines[i + 1]) << lines[i];
     }
 }
 
+// A sensor between the fans and the supplies, fans without status or location.
 TEST(SetupEnclosureMap, ObjectsOfACabinet) {
     CTLRaidData doc;
-    ASSERT_TRUE(doc.SetDoc(OneAdapter(
-        Encl("A VK16",
-             Identity("", "", "", "1") +
-                 "<Processor Name=\"P\">"
-                 "<Fan Name=\"F0\"><Status>Critical</Status><Location>FEM (1)</Location></Fan>"
-                 "<Fan Name=\"F1\"/>"
-                 "<PowerSupply Name=\"S0\"><Status>Not Installed</Status></PowerSupply>"
-                 "<TemperatureSensor Name=\"T0\"><Status>OK</Status><Location>FEM (1)</Location>"
-                 "<CriticalTemperatureH>0x1F</CriticalTemperatureH>"
-                 "<WarningTemperatureH>012</WarningTemperatureH><Temperature>300</Temperature>"
-                 "</TemperatureSensor>"
-                 "<Fan Name=\"F2\"><Location>Power (2)</Location></Fan>"
-                 "</Processor>"))));
+    ASSERT_TRUE(doc.SetDoc(SourceText("tests/enclosure/testdata/cabinet-objects.xml")));
     EnclosureMap map;
     ASSERT_EQ(SetupEnclosureMap(map, doc), 1);
     EXPECT_EQ(Cabinets(map), "800 0/0 3/1/1 |VK16R||1;");
