@@ -18,10 +18,21 @@ std::string WithoutElapsed(const std::string& line) {
     return out;
 }
 
-std::vector<std::string> SampleHostOptions() {
+std::vector<std::string> Inputs(const std::vector<Exchange>& exchanges) {
+    std::vector<std::string> input;
+    for (const Exchange& e : exchanges) {
+        if (!e.input.empty() || e.output.empty())
+            input.push_back(e.input);
+    }
+    return input;
+}
+
+std::vector<std::string> SampleHostOptions(std::vector<std::string> options) {
     const std::string dir = SourcePath("samples/localcli/");
-    return {"--localcli-pci", dir + "pci-list.txt", "--localcli-nic", dir + "nic-list.txt",
-            "--adapter-ini",  dir + "Adapter.ini",  "--pci-devices",  dir + "pci-devices"};
+    options.insert(options.end(),
+                   {"--localcli-pci", dir + "pci-list.txt", "--localcli-nic", dir + "nic-list.txt",
+                    "--adapter-ini", dir + "Adapter.ini", "--pci-devices", dir + "pci-devices"});
+    return options;
 }
 
 EmhostRun RunEmhost(const std::vector<std::string>& inputLines, const EmhostOptions& options) {

@@ -9,13 +9,6 @@
 
 namespace {
 
-// A line sent and the line that comes back for it: an empty input for a line that comes
-// unasked (a switch's request, an event), an empty output for a line that gets none.
-struct Exchange {
-    std::string input;
-    std::string output;
-};
-
 EmhostOptions Probe(std::vector<std::string> emhostOptions = {}) {
     EmhostOptions o;
     o.emhost = {"--module", BuildPath("tests/emhost_probe_module.so")};
@@ -32,14 +25,12 @@ std::string Repeat(const std::string& text, int times) {
 
 // Runs the inputs and compares every line that came back, in order.
 void ExpectExchanges(const std::vector<Exchange>& exchanges, const EmhostOptions& options) {
-    std::vector<std::string> input, expected;
+    std::vector<std::string> expected;
     for (const Exchange& e : exchanges) {
-        if (!e.input.empty() || e.output.empty())
-            input.push_back(e.input);
         if (!e.output.empty())
             expected.push_back(e.output);
     }
-    EmhostRun run = RunEmhost(input, options);
+    EmhostRun run = RunEmhost(Inputs(exchanges), options);
     EXPECT_EQ(run.process.exitCode, 0) << run.process.err;
     std::vector<std::string> got;
     for (const std::string& line : run.lines)
