@@ -12,7 +12,6 @@ import sys
 import tempfile
 import unittest
 
-SANDBOX = None
 INSTALL_MARK = "/opt/BrennockTLRC/bin/tlrcd"
 PID_FILE = "/var/run/vmware/daemon-BrennockTLRC-tlrcd.pid"
 
@@ -29,9 +28,7 @@ def shell(script, *options, env=None, cwd=None):
 class SandboxTest(unittest.TestCase):
     def setUp(self):
         self.dir = tempfile.mkdtemp(prefix="sandbox-test.")
-
-    def tearDown(self):
-        shutil.rmtree(self.dir)
+        self.addCleanup(shutil.rmtree, self.dir)
 
     def write(self, name, text):
         path = os.path.join(self.dir, name)
@@ -73,10 +70,8 @@ class SandboxTest(unittest.TestCase):
 
     def test_refusals(self):
         rows = [
-            (["--bogus", "true"], "unknown option"),
             (["--copy", "/etc/hostname=/etc/x", "true"], "under /opt, /run or /var/run"),
             (["--sim", "", "--sim-bin", "/no/such/sim", "true"], "no simulator"),
-            ([], "no COMMAND"),
         ]
         for args, message in rows:
             with self.subTest(args):
@@ -115,10 +110,9 @@ class SandboxTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    if "--sandbox" in sys.argv:
-        at = sys.argv.index("--sandbox")
-        SANDBOX = os.path.abspath(sys.argv[at + 1])
-        del sys.argv[at:at + 2]
-    if not SANDBOX:
+    if "--sandbox" not in sys.argv[:-1]:
         sys.exit("usage: sandbox_test.py --sandbox PATH [unittest options]")
+    at = sys.argv.index("--sandbox")
+    SANDBOX = os.path.abspath(sys.argv.pop(at + 1))
+    del sys.argv[at]
     unittest.main()
