@@ -5,10 +5,10 @@
 // The client with its steps and its held JWT opened up for tests.
 class CTestRestClient : public TLRAIDRestClient {
   public:
-    using TLRAIDRestClient::TLRAIDRestClient;
     using TLRAIDRestClient::CreateJwt;
     using TLRAIDRestClient::GetAccessToken;
     using TLRAIDRestClient::GetMainServerIpAddress;
     using TLRAIDRestClient::HeldJwt;
     using TLRAIDRestClient::JwtForLogin;
+    using TLRAIDRestClient::TLRAIDRestClient;
 };
