@@ -19,12 +19,6 @@ std::string Tree(const std::string& name) {
     return "--tree " + SourcePath("samples/trees/" + name);
 }
 
-std::vector<std::string> OnTheSampleHost(std::vector<std::string> options) {
-    for (const std::string& option : SampleHostOptions())
-        options.push_back(option);
-    return options;
-}
-
 std::shared_future<ProcessResult> Start(const std::vector<std::string>& sandbox,
                                         const std::vector<std::string>& argv) {
     return std::async(std::launch::async, [=] { return RunProcess(InSandbox(sandbox, argv)); });
@@ -47,20 +41,17 @@ std::string WatchScenario() {
 
 void HostSessions::SetUpTestSuite() {
     EmhostOptions options;
-    options.sandbox = OnTheSampleHost({"--trace-level", "4", "--sim",
-                                       Tree("cabinets.xml") + " --log " + Files().Path() + "/log"});
+    options.sandbox =
+        SampleHostOptions({"--trace-level", "4", "--sim",
+                           Tree("cabinets.xml") + " --log " + Files().Path() + "/log"});
     // The switch's answers to its questions after the switch has started.
     options.emhost = {"--answer", "0x2113={\"ST\":0,\"DA\":1}", "--answer",
                       "8468={\"ST\":12,\"DA\":0}"};
-    std::vector<std::string> input;
-    for (const Exchange& exchange : SessionExchanges()) {
-        if (!exchange.input.empty())
-            input.push_back(exchange.input);
-    }
-    s_Session = std::async(std::launch::async, [=] { return RunEmhost(input, options); });
+    s_Session = std::async(std::launch::async,
+                           [=] { return RunEmhost(Inputs(SessionExchanges()), options); });
 
     const std::string emhost = BuildPath("emhost");
-    s_Inventory = Start(OnTheSampleHost({"--sim", Tree("two-adapters-enclosures.xml")}),
+    s_Inventory = Start(SampleHostOptions({"--sim", Tree("two-adapters-enclosures.xml")}),
                         {emhost, "inventory"});
     s_ExportJson = Start({"--sim", Tree("demo.xml")}, {emhost, "export", "--json"});
     s_ExportWithoutService = Start({"--raid", "none"}, {emhost, "export"});

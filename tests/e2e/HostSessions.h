@@ -8,12 +8,6 @@
 
 #include "support/Emhost.h"
 
-// A line sent to emhost and the line that comes back for it; a line that comes without one
-// (a switch's request) has an empty input.
-struct Exchange {
-    std::string input;
-    std::string output;
-};
 // The line protocol session, line by line (ModuleSessionTest.cpp).
 const std::vector<Exchange>& SessionExchanges();
 

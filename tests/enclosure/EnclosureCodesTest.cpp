@@ -1,10 +1,12 @@
 // The status words as codes, and the cabinet numbers in the order of their keys.
 #include <gtest/gtest.h>
 
+#include <utility>
 #include <vector>
 
 #include "enclosure/CabinetRequest.h"
 #include "enclosure/EnclosureCodes.h"
+#include "frame/CommandRecord.h"
 
 namespace {
 
@@ -22,7 +24,6 @@ TEST(EnclosureCodes, StatusWordsOfTheThreeKinds) {
         {"Unknown", 5, 0, 6},
         {"Not Available", 5, 0, 2},
         {"", 5, 0, 0},
-        {"Degraded", 5, 0, 0},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(FanStatusFromText(row.text), row.fan) << row.text;
@@ -45,6 +46,24 @@ TEST(CabinetNumbers, InTheOrderOfTheirKeysAfterWhatWasThere) {
     EXPECT_TRUE(GetCabinetNumbers(EnclosureMap(), numbers));
     ASSERT_TRUE(GetCabinetNumbers(MapOfCabinets(998, 4), numbers));
     EXPECT_EQ(numbers, (std::vector<uint32_t>{7, 1000, 1001, 998, 999}));
+}
+
+// The switch's answer: two bytes a number, in the order of the keys, the higher bytes dropped;
+// no data without cabinets.
+TEST(CabinetNumbers, CabinetListOfNoneOneAndSeveral) {
+    const std::pair<EnclosureMap, std::vector<uint8_t>> rows[] = {
+        {EnclosureMap(), {}},
+        {MapOfCabinets(70000, 1), {112, 17}},
+        {MapOfCabinets(998, 4), {232, 3, 233, 3, 230, 3, 231, 3}},
+    };
+    for (const auto& [map, bytes] : rows) {
+        CommandRecord record(0x0220, 0, 0, 0, 19);
+        AnswerCabinetList(map, record);
+        std::vector<uint8_t> answer;
+        EXPECT_EQ(record.GetDataBytes(0, answer), !bytes.empty());
+        EXPECT_EQ(answer, bytes);
+        EXPECT_EQ(record.GetField("ST", 999), 0u);
+    }
 }
 
 TEST(CabinetNumbers, ServerSeListHoldsAtMost128) {

@@ -47,17 +47,4 @@ TEST(EnclosurePSRedundancy, FromTheStoredStates) {
     EXPECT_FALSE(redundant || changed);
 }
 
-TEST(EnclosurePSRedundancy, AChangeIsToldOnce) {
-    EnclosureMap map = CabinetWithSupplies(2, {1, 1});
-    bool redundant = false, changed = false;
-    EnclosurePSRedundancy(map, 800, redundant, changed);
-    EnclosurePSRedundancy(map, 800, redundant, changed);
-    EXPECT_TRUE(redundant);
-    EXPECT_FALSE(changed);
-    map.m_PowerSupplies.at("800-0").Status = 6;
-    EnclosurePSRedundancy(map, 800, redundant, changed);
-    EXPECT_FALSE(redundant);
-    EXPECT_TRUE(changed);
-}
-
 }  // namespace

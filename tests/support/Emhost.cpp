@@ -1,9 +1,6 @@
 #include "support/Emhost.h"
 
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
-
+#include "support/SandboxHost.h"
 #include "support/TempDir.h"
 
 namespace {
@@ -21,16 +18,21 @@ std::string WithoutElapsed(const std::string& line) {
     return out;
 }
 
-long ElapsedMs(const std::string& line) {
-    size_t at = line.find(kElapsed);
-    return at == std::string::npos ? -1
-                                   : strtol(line.c_str() + at + sizeof(kElapsed) - 1, nullptr, 10);
+std::vector<std::string> Inputs(const std::vector<Exchange>& exchanges) {
+    std::vector<std::string> input;
+    for (const Exchange& e : exchanges) {
+        if (!e.input.empty() || e.output.empty())
+            input.push_back(e.input);
+    }
+    return input;
 }
 
-std::vector<std::string> SampleHostOptions() {
+std::vector<std::string> SampleHostOptions(std::vector<std::string> options) {
     const std::string dir = SourcePath("samples/localcli/");
-    return {"--localcli-pci", dir + "pci-list.txt", "--localcli-nic", dir + "nic-list.txt",
-            "--adapter-ini",  dir + "Adapter.ini",  "--pci-devices",  dir + "pci-devices"};
+    options.insert(options.end(),
+                   {"--localcli-pci", dir + "pci-list.txt", "--localcli-nic", dir + "nic-list.txt",
+                    "--adapter-ini", dir + "Adapter.ini", "--pci-devices", dir + "pci-devices"});
+    return options;
 }
 
 EmhostRun RunEmhost(const std::vector<std::string>& inputLines, const EmhostOptions& options) {
@@ -49,9 +51,6 @@ EmhostRun RunEmhost(const std::vector<std::string>& inputLines, const EmhostOpti
     EmhostRun run;
     run.process = RunProcess(InSandbox(options.sandbox, argv), input);
     run.lines = Lines(run.process.out);
-    std::ifstream trace(tracePath, std::ios::binary);
-    std::ostringstream text;
-    text << trace.rdbuf();
-    run.trace = text.str();
+    run.trace = ReadWholeFile(tracePath);
     return run;
 }

@@ -21,14 +21,21 @@ struct EmhostOptions {
     std::vector<std::string> env;     // NAME=VALUE set for emhost
 };
 
+// A line sent and the line that comes back for it: an empty input for a line that comes
+// unasked (a switch's request, an event), an empty output for a line that gets none.
+struct Exchange {
+    std::string input;
+    std::string output;
+};
+// The lines that these exchanges send.
+std::vector<std::string> Inputs(const std::vector<Exchange>& exchanges);
+
 // A result line with its elapsed milliseconds ("ms":N) shown as "ms":T, since they vary.
 std::string WithoutElapsed(const std::string& line);
-// The elapsed milliseconds of a result line, -1 without them.
-long ElapsedMs(const std::string& line);
 
-// Sandbox options that give its host the sample inventory of samples/localcli (PCI and NIC
-// lists, device names, the kernel's device list), as scripts/demo gives it.
-std::vector<std::string> SampleHostOptions();
+// These sandbox options and those that give its host the sample inventory of samples/localcli
+// (PCI and NIC lists, device names, the kernel's device list), as scripts/demo gives it.
+std::vector<std::string> SampleHostOptions(std::vector<std::string> options);
 
 EmhostRun RunEmhost(const std::vector<std::string>& inputLines, const EmhostOptions& options = {});
 

@@ -4,22 +4,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <fstream>
 #include <sstream>
 #include <stdexcept>
 
+#include "support/SandboxHost.h"
 #include "support/TempDir.h"
-
-namespace {
-
-std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-}  // namespace
 
 ProcessResult RunProcess(const std::vector<std::string>& argv, const std::string& input) {
     // Files instead of pipes: the child never blocks on a full pipe, whatever it prints.
@@ -53,8 +42,8 @@ ProcessResult RunProcess(const std::vector<std::string>& argv, const std::string
     }
     ProcessResult result;
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    result.out = ReadFile(outPath);
-    result.err = ReadFile(errPath);
+    result.out = ReadWholeFile(outPath);
+    result.err = ReadWholeFile(errPath);
     return result;
 }
 
