@@ -119,6 +119,10 @@ TEST(EmhostTest, SwitchRequestsEventsAndHostActions) {
              R"({"host":"burst","ret":1,"count":200,"statuses":{"0":200},"ms":T})"},
             {R"({"host":"burst","record":{"SIP":{"CMD":[{"OC":9}]}},"threads":0,"repeat":1})",
              R"*({"error":"member \"threads\" is out of range (1 to 256)"})*"},
+            {R"({"host":"burst","record":{"SIP":{"CMD":[{"OC":9}]}},"threads":1,"repeat":0})",
+             R"*({"error":"member \"repeat\" is out of range (1 to 10000000)"})*"},
+            {R"({"host":"request","record":{"SIP":{"CMD":[{"OC":3}]}},"index":65536})",
+             R"*({"error":"member \"index\" is out of range (0 to 65535)"})*"},
         },
         Probe({"--switch-type", "10", "--answer", "0x2110={\"ST\":12,\"DA\":1}"}));
 }
