@@ -31,36 +31,23 @@ struct DriveStatusRow {
     int32_t smartFlag;
 };
 
-// The physical drive status table, with the component value of each index and the SMART flag.
+// Words of the physical drive status table, one of each kind, with the component value of
+// each index and the SMART flag.
 const DriveStatusRow kDriveStatusRows[] = {
     {"unconfigured", 2, 2, 1, 0},
     {"unconfigured failed", 3, 3, 3, 0},
-    {"Available", 2, 2, 1, 0},
     {"Available SMART Error", 19, 4098, 0, 1},
-    {"Copyback", 1, 1, 1, 0},
     {"Copyback / SMART Error", 18, 4097, 2, 1},
-    {"Dedicated Hotspare", 4, 4, 1, 0},
-    {"Dedicated Hotspare SMART Error", 20, 4100, 2, 1},
     {"Failed", 11, 11, 3, -1},
-    {"Failed SMART Error", 26, 4107, 0, 1},
     {"Failed (Missing)", 12, 12, 3, -1},
-    {"Global Hotspare", 5, 5, 1, 0},
-    {"Global Hotspare SMART Error", 21, 4101, 2, 1},
-    {"Auto replace hotspare", 15, 15, 1, 0},
     {"Auto replace hotspare smart", 29, 4111, 2, 0},
-    {"Migrating", 9, 9, 1, 0},
-    {"Migrating / SMART Error", 24, 4105, 2, 1},
     {"Offline", 13, 13, 3, 0},
     {"Offline - SMART Error", 27, 4109, 0, 1},
     {"Operational", 0, 0, 1, 0},
     {"Operational SMART Error", 17, 4096, 2, 1},
     {"Rebuilding", 6, 6, 2, 0},
-    {"Rebuilding SMART Error", 22, 4102, 2, 1},
     {"Rebuild necessary", 8, 8, 3, 0},
-    {"Rebuild necessary SMART Error", 23, 4103, 2, 1},
     {"JBOD", 10, 10, 1, 0},
-    {"JBOD / SMART Error", 25, 4106, 2, 1},
-    {"Shield", 14, 14, 3, 0},
     {"Shield smart", 28, 4110, 2, 0},
     {"Unknown", -1, -1, 0, -1},
     // Case doesn't count for the words, but "SMART" is looked for in capitals.

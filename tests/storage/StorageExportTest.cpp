@@ -1,5 +1,5 @@
-// The exported tree: the sample trees against their expected files, the attribute table,
-// wrappers, the source's positions.
+// The exported tree: the sample trees against their expected files, the attribute rules the
+// samples don't show, wrappers, the source's positions.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -60,11 +60,8 @@ TEST(StorageExport, AttributesByTheTable) {
         const char* exported;
     };
     const Row rows[] = {
-        {"<PhysicalDrive DeviceNumber=\"3\" NrOfProperties=\"0\"/>",
-         "<PhysicalDrive Nr=\"3\"></PhysicalDrive>\n"},
         {"<LogicalDrive LogDriveNumber=\"0\" Nr=\"7\" NrOfProperties=\"0\"/>",
          "<LogicalDrive Nr=\"0\"></LogicalDrive>\n"},
-        {"<Array Nr=\"1\" Name=\"A\" NrOfProperties=\"0\"/>", "<Array Nr=\"1\"></Array>\n"},
         {"<Container Name=\"c &amp; d\" Nr=\"2\" Type=\"x\" NrOfProperties=\"0\"/>",
          "<Container Name=\"c &amp; d\" Nr=\"2\"></Container>\n"},
         // Both numbers of a port go to Nr: the later one stays.
@@ -109,14 +106,6 @@ TEST(StorageExport, WrappersVanishAndTheirObjectsMoveUp) {
               "<Multiplexer>\n<Status>Operational</Status>\n</Multiplexer>\n");
 }
 
-TEST(StorageExport, OrderAndNestingKeptAcrossWrappers) {
-    EXPECT_EQ(ExportBody("<System NrOfProperties=\"0\"><A NrOfProperties=\"1\"><P>1</P>"
-                         "<Ports><B NrOfProperties=\"0\"><C NrOfProperties=\"0\"/></B></Ports>"
-                         "<Q>2</Q></A><D NrOfProperties=\"0\"/></System>"),
-              "<System>\n<A>\n<P>1</P>\n<B>\n<C></C>\n</B>\n<Q>2</Q>\n</A>\n<D></D>\n"
-              "</System>\n");
-}
-
 TEST(StorageExport, DeepNesting) {
     const int kDepth = 10000;
     std::string source, exported = "<O></O>\n";
@@ -139,8 +128,8 @@ TEST(StorageExport, SourceWithoutRootLeavesTargetEmptyAndPositionsAlone) {
     EXPECT_EQ(out, "before");
 
     source.SetDoc(SampleTree("demo.xml"));
-    ASSERT_TRUE(source.FindElem(kStorageTreeRoot) && source.IntoElem() && source.FindElem("System") &&
-                source.FindChildElem("Adapter"));
+    ASSERT_TRUE(source.FindElem(kStorageTreeRoot) && source.IntoElem() &&
+                source.FindElem("System") && source.FindChildElem("Adapter"));
     const uint32_t parent = source.GetParentPos(), main = source.GetMainPos(),
                    child = source.GetChildPos();
     CTLRaidData exported;
@@ -151,16 +140,13 @@ TEST(StorageExport, SourceWithoutRootLeavesTargetEmptyAndPositionsAlone) {
     EXPECT_EQ(source.GetChildPos(), child);
 }
 
+// An unknown format and an ill-formed document leave the output alone.
 TEST(StorageExport, ConvertByFormat) {
     CTLRaidData doc;
     doc.SetDoc("<a><b>1</b></a>");
     std::string out = "untouched";
     EXPECT_TRUE(ConvertStorageTree(doc, out, 3));
     EXPECT_EQ(out, "untouched");
-    EXPECT_TRUE(ConvertStorageTree(doc, out, kStorageTreeXml));
-    EXPECT_EQ(out, "<a><b>1</b></a>");
-    EXPECT_TRUE(ConvertStorageTree(doc, out, kStorageTreeJson));
-    EXPECT_EQ(out, "{\"a\":{\"b\":1}}");
     doc.SetDoc("<a><b></a>");
     out = "untouched";
     EXPECT_TRUE(ConvertStorageTree(doc, out, kStorageTreeXml));

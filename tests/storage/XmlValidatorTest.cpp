@@ -22,14 +22,11 @@ TEST(XmlValidator, ByteRules) {
          "a?b?c?d?e?f?"},
         {"M\xC3\xBCller", "M\xC3\xBCller"},  // UTF-8 stays
         {"M\xFCller", "M?ller"},             // the same in Latin-1 doesn't
-        {"\xE2\x82\xAC 5", "\xE2\x82\xAC 5"},
         {"\xF0\x9F\x98\x80!", "\xF0\x9F\x98\x80!"},
         // A lead byte cut short: one '?' for it, the rest judged by themselves.
         {"ab\xC3", "ab?"},
-        {"\xE2\x82", "??"},
         {"\xE2\x82z", "??z"},
         {"\xF0\x9F\x98", "???"},
-        {"\x80\xBF", "??"},
         {"\xC3"
          "A",
          "?A"},
@@ -40,7 +37,6 @@ TEST(XmlValidator, ByteRules) {
         {"\xFF", "?"},
         // The text ends at its first NUL.
         {std::string("ab\0cd", 5), "ab"},
-        {"", ""},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(CXmlValidator::CleanText(row.in), row.out) << row.in;
