@@ -3,6 +3,7 @@
 
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "storage/StatusTables.h"
@@ -150,15 +151,15 @@ TEST(LearnCycleTable, PriorityOverAllAdditionalStatusChildren) {
         {{"Fully charged"}, -1},
         {{"Learn Cycle"}, -1},
     };
-    for (const Row& row : rows) {
+    for (const auto& [words, expected] : rows) {
         std::string text = "<Battery ComponentStatus=\"1\"><Status>Normal</Status>";
-        for (const std::string& word : row.words) {
+        for (const std::string& word : words) {
             text += "<AdditionalStatus>" + word + "</AdditionalStatus>";
         }
         text += "<Name>CBU</Name></Battery>";
         CTLRaidData battery;
         ASSERT_TRUE(battery.SetDoc(text));
-        EXPECT_EQ(battery.GetBatteryLearnCycleStatus(), row.expected) << text;
+        EXPECT_EQ(battery.GetBatteryLearnCycleStatus(), expected) << text;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "storage/TLRaidData.h"
 #include "storage/TreeText.h"
@@ -16,46 +17,32 @@ void LoadAdapter(CTLRaidData& adapter, const std::string& text, uint32_t nIndex)
     ASSERT_TRUE(tree.GetAdapterData(adapter, nIndex)) << "adapter " << nIndex;
 }
 
-// The DeviceNumber of each drive in walk order, comma-separated; checks that the walk
-// ends where the count says.
-std::string DriveNumbers(CTLRaidData& adapter) {
-    std::string numbers;
-    uint32_t nCount = adapter.GetPhysicalDriveCount();
-    for (uint32_t i = 0; i < nCount; ++i) {
-        CTLRaidData drive;
-        EXPECT_TRUE(adapter.GetPhysicalDriveData(drive, i)) << "drive " << i;
-        EXPECT_TRUE(drive.FindElem("PhysicalDrive"));
-        numbers += (i ? "," : "") + drive.GetAttrib(drive.GetMainPos(), "DeviceNumber");
+// The numbers of an adapter's drives (their DeviceNumber) or enclosures (their EnclosureNumber)
+// by index, comma-separated; checks that the cut ends where the count says.
+std::string Numbers(CTLRaidData& adapter, bool bEnclosures) {
+    const uint32_t nCount =
+        bEnclosures ? adapter.GetEnclosureCount() : adapter.GetPhysicalDriveCount();
+    std::string numbers, number;
+    for (uint32_t i = 0; i <= nCount; ++i) {
+        CTLRaidData cut;
+        EXPECT_EQ(
+            bEnclosures ? adapter.GetEnclosureData(cut, i) : adapter.GetPhysicalDriveData(cut, i),
+            i < nCount)
+            << i;
+        if (i < nCount && cut.FindElem() && !cut.GetEnclosureProperty(number, "EnclosureNumber")) {
+            number = cut.GetAttrib(cut.GetMainPos(), "DeviceNumber");
+        }
+        numbers += i == nCount ? "" : (i ? "," : "") + number;
     }
-    CTLRaidData beyond;
-    EXPECT_FALSE(adapter.GetPhysicalDriveData(beyond, nCount));
     return numbers;
 }
 
-// The EnclosureNumber of each enclosure by index, comma-separated.
-std::string EnclosureNumbers(CTLRaidData& adapter) {
-    std::string numbers;
-    uint32_t nCount = adapter.GetEnclosureCount();
-    for (uint32_t i = 0; i < nCount; ++i) {
-        CTLRaidData enclosure;
-        EXPECT_TRUE(adapter.GetEnclosureData(enclosure, i));
-        std::string number;
-        EXPECT_TRUE(enclosure.GetEnclosureProperty(number, "EnclosureNumber"));
-        numbers += (i ? "," : "") + number;
-    }
-    CTLRaidData beyond;
-    EXPECT_FALSE(adapter.GetEnclosureData(beyond, nCount));
-    return numbers;
+std::string DriveNumbers(CTLRaidData& adapter) {
+    return Numbers(adapter, false);
 }
 
 TEST(TLRaidDataDrives, CountAndOrderOnEveryLayout) {
-    struct Row {
-        const char* file;
-        uint32_t adapter;
-        const char* drives;
-        const char* enclosures;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, uint32_t, const char*, const char*> rows[] = {
         // Port list: port by port, the port's own drives before those of its enclosures.
         // Enclosure 5 seen again through port 1, and one without a number, take no index.
         {"port-list.xml", 0, "0,1,16,17,24,2,3,40,48", "5,3,7"},
@@ -70,21 +57,17 @@ TEST(TLRaidDataDrives, CountAndOrderOnEveryLayout) {
         {"version1-sasport.xml", 0, "0", ""},
         {"batteries.xml", 0, "", ""},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::string(row.file) + " adapter " + std::to_string(row.adapter));
+    for (const auto& [file, nAdapter, drives, enclosures] : rows) {
+        SCOPED_TRACE(std::string(file) + " adapter " + std::to_string(nAdapter));
         CTLRaidData adapter;
-        LoadAdapter(adapter, SampleTree(row.file), row.adapter);
-        EXPECT_EQ(DriveNumbers(adapter), row.drives);
-        EXPECT_EQ(EnclosureNumbers(adapter), row.enclosures);
+        LoadAdapter(adapter, SampleTree(file), nAdapter);
+        EXPECT_EQ(DriveNumbers(adapter), drives);
+        EXPECT_EQ(Numbers(adapter, true), enclosures);
     }
 }
 
 TEST(TLRaidDataDrives, LayoutsAreTestedInTheirOrder) {
-    struct Row {
-        const char* adapter;
-        const char* numbers;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, const char*> rows[] = {
         {"<Adapter/>", ""},
         {"<Adapter><Ports/><PhysicalDrive DeviceNumber=\"9\"/></Adapter>", ""},
         {"<Adapter><PhysicalDrive DeviceNumber=\"9\"/><Channels><Channel>"
@@ -116,13 +99,11 @@ TEST(TLRaidDataDrives, LayoutsAreTestedInTheirOrder) {
          "</Enclosure><PhysicalDrive DeviceNumber=\"2\"/></Port><Port>"
          "<PhysicalDrive DeviceNumber=\"3\"/></Port></Ports></Adapter>",
          "1,2,10,20,3"},
-        // The first Adapter of a document is meant.
-        {"<Adapter><PhysicalDrive DeviceNumber=\"1\"/></Adapter>", "1"},
     };
-    for (const Row& row : rows) {
+    for (const auto& [text, numbers] : rows) {
         CTLRaidData adapter;
-        adapter.SetDoc(std::string(row.adapter));
-        EXPECT_EQ(DriveNumbers(adapter), row.numbers) << row.adapter;
+        adapter.SetDoc(std::string(text));
+        EXPECT_EQ(DriveNumbers(adapter), numbers) << text;
     }
 }
 
@@ -212,13 +193,7 @@ std::string PortOf(CTLRaidData& port) {
 }
 
 TEST(TLRaidDataPorts, PortAndChannelListsHandOutPortsTheOthersAnswerNoPort) {
-    struct Row {
-        const char* file;
-        uint32_t index;
-        bool result;
-        const char* port;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, uint32_t, bool, const char*> rows[] = {
         {"port-list.xml", 0, true, "Port 0"},
         {"port-list.xml", 1, true, "Port 1"},
         {"port-list.xml", 2, false, "untouched"},
@@ -230,13 +205,12 @@ TEST(TLRaidDataPorts, PortAndChannelListsHandOutPortsTheOthersAnswerNoPort) {
         {"scsi-channel.xml", 0, false, "SCSIChannel 0"},
         {"flat.xml", 0, false, "untouched"},
     };
-    for (const Row& row : rows) {
-        CTLRaidData adapter;
-        LoadAdapter(adapter, SampleTree(row.file), 0);
-        CTLRaidData port;
+    for (const auto& [file, index, result, expected] : rows) {
+        CTLRaidData adapter, port;
+        LoadAdapter(adapter, SampleTree(file), 0);
         port.SetDoc(std::string("<Untouched/>"));
-        EXPECT_EQ(adapter.GetPortData(port, row.index), row.result) << row.file << " " << row.index;
-        EXPECT_EQ(PortOf(port), row.port) << row.file << " " << row.index;
+        EXPECT_EQ(adapter.GetPortData(port, index), result) << file << " " << index;
+        EXPECT_EQ(PortOf(port), expected) << file << " " << index;
     }
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "storage/TLRaidData.h"
 #include "storage/TreeText.h"
@@ -17,30 +18,12 @@ std::string FlatAdapter(const std::string& drives) {
     return "<Adapter>" + drives + "</Adapter>";
 }
 
-struct DiskResult {
-    bool result;
-    int32_t status;
-};
-
-DiskResult DiskStatus(const std::string& text) {
-    CTLRaidData tree;
-    tree.SetDoc(text);
-    DiskResult r{false, 77};
-    r.result = tree.GetPhysicalDiskOverallComponentStatus(r.status);
-    return r;
-}
-
 TEST(TLRaidDataDiskOverall, MultiplexerWordFirstThenTheWorstDrive) {
     auto disks = [](const char* word) {
         return "<StatusDisks>" + std::string(word) + "</StatusDisks>";
     };
     const std::string failed = FlatAdapter(Drive("Failed"));
-    struct Row {
-        std::string tree;
-        bool result;
-        int32_t status;
-    };
-    const Row rows[] = {
+    const std::tuple<std::string, bool, int32_t> rows[] = {
         {WholeTree(failed, disks("OK")), true, 1},
         {WholeTree(failed, disks("Warning")), true, 2},
         {WholeTree(failed, disks("FAILED")), true, 3},
@@ -61,10 +44,12 @@ TEST(TLRaidDataDiskOverall, MultiplexerWordFirstThenTheWorstDrive) {
         {SampleTree("logical-drives.xml"), true, 3},
         {SampleTree("batteries.xml"), true, 1},  // StatusDisks OK, although no drive is there
     };
-    for (const Row& row : rows) {
-        DiskResult r = DiskStatus(row.tree);
-        EXPECT_EQ(r.result, row.result) << row.tree;
-        EXPECT_EQ(r.status, row.status) << row.tree;
+    for (const auto& [tree, result, status] : rows) {
+        CTLRaidData doc;
+        doc.SetDoc(tree);
+        int32_t got = 77;
+        EXPECT_EQ(doc.GetPhysicalDiskOverallComponentStatus(got), result) << tree;
+        EXPECT_EQ(got, status) << tree;
     }
 }
 
@@ -77,12 +62,7 @@ std::string Battery(const std::string& componentStatus) {
 }
 
 TEST(TLRaidDataBbuOverall, HighestComponentStatusOfEachAdaptersFirstBattery) {
-    struct Row {
-        std::string system;
-        bool result;
-        uint32_t status;
-    };
-    const Row rows[] = {
+    const std::tuple<std::string, bool, uint32_t> rows[] = {
         {BatteryAdapter(Battery("1")) + BatteryAdapter(Battery("3")), true, 3},
         {BatteryAdapter(Battery("2")) + BatteryAdapter("") + BatteryAdapter(Battery("1")), true, 2},
         // Only the first battery of an adapter is read.
@@ -94,13 +74,13 @@ TEST(TLRaidDataBbuOverall, HighestComponentStatusOfEachAdaptersFirstBattery) {
         {"", false, 0},
         {"none", false, 0},  // no System at all
     };
-    for (const Row& row : rows) {
+    for (const auto& [system, result, wanted] : rows) {
         CTLRaidData tree;
-        tree.SetDoc(row.system == "none" ? "<amEMTL Version=\"2\"><Other/></amEMTL>"
-                                         : WholeTree(row.system));
+        tree.SetDoc(system == "none" ? "<amEMTL Version=\"2\"><Other/></amEMTL>"
+                                     : WholeTree(system));
         uint32_t status = 77;
-        EXPECT_EQ(tree.GetBbuOverallComponentStatus(status), row.result) << row.system;
-        EXPECT_EQ(status, row.status) << row.system;
+        EXPECT_EQ(tree.GetBbuOverallComponentStatus(status), result) << system;
+        EXPECT_EQ(status, wanted) << system;
     }
 }
 

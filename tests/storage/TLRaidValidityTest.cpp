@@ -3,6 +3,7 @@
 
 #include <set>
 #include <string>
+#include <tuple>
 
 #include "storage/TLRaidData.h"
 #include "storage/TreeText.h"
@@ -28,11 +29,7 @@ TEST(TLRaidDataIsValid, SampleTrees) {
 }
 
 TEST(TLRaidDataIsValid, VersionMustBeThereAndNotOne) {
-    struct Row {
-        const char* root;
-        bool valid;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, bool> rows[] = {
         {"<amEMTL Version=\"2\">", true},
         {"<amEMTL Version=\"1.0\">", true},
         {"<amEMTL Version=\"1\">", false},
@@ -40,11 +37,11 @@ TEST(TLRaidDataIsValid, VersionMustBeThereAndNotOne) {
         {"<amEMTL>", false},
         {"<amEMTL Nr=\"2\">", false},
     };
-    for (const Row& row : rows) {
-        std::string text = std::string(row.root) +
+    for (const auto& [root, valid] : rows) {
+        std::string text = std::string(root) +
                            "<System><Multiplexer><Status>Operational</Status></Multiplexer>" +
                            kAdapterOk + "</System></amEMTL>";
-        EXPECT_EQ(Valid(text), row.valid) << row.root;
+        EXPECT_EQ(Valid(text), valid) << root;
     }
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "storage/StorageTreeConvert.h"
 #include "storage/TLRaidData.h"
@@ -22,12 +23,7 @@ TEST(ValueByPath, ExistsButDeliversNoValue) {
     CTLRaidData one, ten;
     one.SetDoc(WholeTree(Adapters(1)));
     ten.SetDoc(WholeTree(Adapters(10)));
-    struct Row {
-        CTLRaidData* tree;
-        const char* path;
-        bool found;
-    };
-    const Row rows[] = {
+    const std::tuple<CTLRaidData*, const char*, bool> rows[] = {
         {&one, "System/Adapter[0]/Status", true},
         {&one, "System/Adapter[1]/Status", false},
         {&one, "/System//Adapter/Status/", true},
@@ -44,10 +40,10 @@ TEST(ValueByPath, ExistsButDeliversNoValue) {
         {&ten, "System/Adapter[09]", true},  // octal reads "0"
         {&ten, "System/Adapter[4294967296]", false},
     };
-    for (const Row& row : rows) {
+    for (const auto& [tree, path, found] : rows) {
         std::string value = "untouched";
-        EXPECT_EQ(GetValueByPath(*row.tree, value, row.path, 1), row.found) << row.path;
-        EXPECT_EQ(value, row.found ? "" : "untouched") << row.path;
+        EXPECT_EQ(GetValueByPath(*tree, value, path, 1), found) << path;
+        EXPECT_EQ(value, found ? "" : "untouched") << path;
     }
 }
 

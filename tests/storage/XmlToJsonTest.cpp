@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "storage/StorageExport.h"
@@ -27,11 +28,7 @@ std::string Json(const std::string& xml, const ArrayList& list = {}, bool bNumbe
 }
 
 TEST(XmlToJson, ElementsAttributesAndArrays) {
-    struct Row {
-        const char* xml;
-        const char* json;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, const char*> rows[] = {
         {"<a x=\"1\"><b>5</b><b>t</b><c k=\"v\">u</c></a>",
          "{\"a\":{\"@x\":1,\"b\":[5,\"t\"],\"c\":{\"@k\":\"v\",\"#text\":\"u\"}}}"},
         // An empty attribute value counts as digits: nothing behind the colon.
@@ -58,8 +55,8 @@ TEST(XmlToJson, ElementsAttributesAndArrays) {
         {"<r><a>0</a><a[2]><c>1</c><c>2</c></a[2]><a>3</a></r>",
          "{\"r\":{\"a\":[0,3],\"a[2]\":{\"c\":[1,2]}}}"},
     };
-    for (const Row& row : rows) {
-        EXPECT_EQ(Json(row.xml), row.json) << row.xml;
+    for (const auto& [xml, json] : rows) {
+        EXPECT_EQ(Json(xml), json) << xml;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "storage/XmlValidator.h"
 #include "support/CaptureTraceServer.h"
@@ -10,11 +11,7 @@
 namespace {
 
 TEST(XmlValidator, ByteRules) {
-    struct Row {
-        std::string in;
-        std::string out;
-    };
-    const Row rows[] = {
+    const std::tuple<std::string, std::string> rows[] = {
         {"plain text ~!", "plain text ~!"},
         {"a\tb\nc\rd\x01"
          "e\x7F"
@@ -38,8 +35,8 @@ TEST(XmlValidator, ByteRules) {
         // The text ends at its first NUL.
         {std::string("ab\0cd", 5), "ab"},
     };
-    for (const Row& row : rows) {
-        EXPECT_EQ(CXmlValidator::CleanText(row.in), row.out) << row.in;
+    for (const auto& [in, out] : rows) {
+        EXPECT_EQ(CXmlValidator::CleanText(in), out) << in;
     }
 }
 
