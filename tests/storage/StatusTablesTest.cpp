@@ -36,19 +36,15 @@ struct DriveStatusRow {
 // each index and the SMART flag.
 const DriveStatusRow kDriveStatusRows[] = {
     {"unconfigured", 2, 2, 1, 0},
-    {"unconfigured failed", 3, 3, 3, 0},
     {"Available SMART Error", 19, 4098, 0, 1},
     {"Copyback / SMART Error", 18, 4097, 2, 1},
     {"Failed", 11, 11, 3, -1},
-    {"Failed (Missing)", 12, 12, 3, -1},
     {"Auto replace hotspare smart", 29, 4111, 2, 0},
     {"Offline", 13, 13, 3, 0},
     {"Offline - SMART Error", 27, 4109, 0, 1},
     {"Operational", 0, 0, 1, 0},
     {"Operational SMART Error", 17, 4096, 2, 1},
     {"Rebuilding", 6, 6, 2, 0},
-    {"Rebuild necessary", 8, 8, 3, 0},
-    {"JBOD", 10, 10, 1, 0},
     {"Shield smart", 28, 4110, 2, 0},
     {"Unknown", -1, -1, 0, -1},
     // Case doesn't count for the words, but "SMART" is looked for in capitals.
@@ -141,9 +137,7 @@ TEST(LearnCycleTable, PriorityOverAllAdditionalStatusChildren) {
     };
     const Row rows[] = {
         {{}, 0},
-        {{"Learn Cycle Requested"}, 1},
         {{"Learn Cycle Active"}, 2},
-        {{"Learn Cycle Timeout"}, 3},
         {{"Learn Cycle Failed"}, 4},
         {{"Learn Cycle Active", "Learn Cycle Failed"}, 4},
         {{"learn cycle timeout", "Learn Cycle Active"}, 3},

@@ -13,10 +13,7 @@ namespace {
 TEST(XmlValidator, ByteRules) {
     const std::tuple<std::string, std::string> rows[] = {
         {"plain text ~!", "plain text ~!"},
-        {"a\tb\nc\rd\x01"
-         "e\x7F"
-         "f\x1F",
-         "a?b?c?d?e?f?"},
+        {"a\tb\nc\rd\x01-\x7F-\x1F", "a?b?c?d?-?-?"},
         {"M\xC3\xBCller", "M\xC3\xBCller"},  // UTF-8 stays
         {"M\xFCller", "M?ller"},             // the same in Latin-1 doesn't
         {"\xF0\x9F\x98\x80!", "\xF0\x9F\x98\x80!"},
@@ -24,9 +21,7 @@ TEST(XmlValidator, ByteRules) {
         {"ab\xC3", "ab?"},
         {"\xE2\x82z", "??z"},
         {"\xF0\x9F\x98", "???"},
-        {"\xC3"
-         "A",
-         "?A"},
+        {"\xC3\x41", "?A"},
         // Forms that are no UTF-8 pass if they are followed properly.
         {"\xC0\x80", "\xC0\x80"},
         {"\xF7\xBF\xBF\xBF", "\xF7\xBF\xBF\xBF"},
