@@ -16,12 +16,7 @@ using Operation = std::function<void(D&)>;
 
 // One operation of each kind that keeps positions on its own; the property reads and the
 // three-way status words share one reader each.
-std::vector<Operation> AllOperations() {
-    auto drive = std::make_shared<D>(), enclosure = std::make_shared<D>();
-    drive->SetDoc(
-        std::string("<PhysicalDrive><SerialNumber>MV4N02G7Q8</SerialNumber>"
-                    "<EnclosureNumber>2</EnclosureNumber></PhysicalDrive>"));
-    enclosure->SetDoc(std::string("<Enclosure><EnclosureNumber>2</EnclosureNumber></Enclosure>"));
+std::vector<Operation> AllOperations(D& drive, D& enclosure) {
     auto out = std::make_shared<D>();
     auto n = std::make_shared<uint32_t>();
     std::vector<Operation> ops = {
@@ -36,9 +31,9 @@ std::vector<Operation> AllOperations() {
         [](D& d) { d.GetAdapterCount(); },
         [](D& d) { d.GetPhysicalDriveCount(); },
         [](D& d) { d.GetEnclosureCount(); },
-        [n, drive](D& d) { d.GetPhysicalDriveIndex(*n, *drive); },
-        [n, drive](D& d) { d.GetEnclosureIndexOfDrive(*n, *drive); },
-        [n, enclosure](D& d) { d.GetEnclosureIndex(*n, *enclosure); },
+        [n, &drive](D& d) { d.GetPhysicalDriveIndex(*n, drive); },
+        [n, &drive](D& d) { d.GetEnclosureIndexOfDrive(*n, drive); },
+        [n, &enclosure](D& d) { d.GetEnclosureIndex(*n, enclosure); },
         [](D& d) {
             int32_t status = 0;
             d.GetPhysicalDiskOverallComponentStatus(status);
@@ -65,6 +60,11 @@ std::vector<Operation> AllOperations() {
     return ops;
 }
 
+// The three positions of a document.
+std::vector<uint32_t> Positions(const CXmlDoc& doc) {
+    return {doc.GetParentPos(), doc.GetMainPos(), doc.GetChildPos()};
+}
+
 TEST(TLRaidDataPositions, EveryOperationLeavesThemAsFound) {
     CTLRaidData tree, adapter, cut;
     ASSERT_TRUE(tree.SetDoc(SampleTree("demo.xml")));
@@ -76,7 +76,15 @@ TEST(TLRaidDataPositions, EveryOperationLeavesThemAsFound) {
     docs.push_back(cut.GetDoc());
     ASSERT_TRUE(adapter.GetBatteryData(cut, 0));
     docs.push_back(cut.GetDoc());
-    const std::vector<Operation> ops = AllOperations();
+    // The drive and enclosure given to the index searches keep theirs too.
+    CTLRaidData drive, enclosure;
+    drive.SetDoc(
+        std::string("<PhysicalDrive><SerialNumber>MV4N02G7Q8</SerialNumber>"
+                    "<EnclosureNumber>2</EnclosureNumber></PhysicalDrive>"));
+    enclosure.SetDoc(std::string("<Enclosure><EnclosureNumber>2</EnclosureNumber></Enclosure>"));
+    ASSERT_TRUE(drive.FindElem() && drive.FindChildElem("EnclosureNumber") && enclosure.FindElem());
+    const auto given = Positions(drive), givenEnclosure = Positions(enclosure);
+    const std::vector<Operation> ops = AllOperations(drive, enclosure);
     for (size_t k = 0; k < docs.size(); ++k) {
         for (size_t o = 0; o < ops.size(); ++o) {
             // Parent, main and child all at elements; then inside an element with main 0.
@@ -87,29 +95,14 @@ TEST(TLRaidDataPositions, EveryOperationLeavesThemAsFound) {
                 if (nDeeper) {
                     doc.IntoElem();
                 }
-                uint32_t parent = doc.GetParentPos(), main = doc.GetMainPos(),
-                         child = doc.GetChildPos();
+                const auto before = Positions(doc);
                 ops[o](doc);
-                EXPECT_EQ(doc.GetParentPos(), parent) << "doc " << k << " op " << o;
-                EXPECT_EQ(doc.GetMainPos(), main) << "doc " << k << " op " << o;
-                EXPECT_EQ(doc.GetChildPos(), child) << "doc " << k << " op " << o;
+                EXPECT_EQ(Positions(doc), before) << "doc " << k << " op " << o;
+                EXPECT_EQ(Positions(drive), given) << "doc " << k << " op " << o;
+                EXPECT_EQ(Positions(enclosure), givenEnclosure) << "doc " << k << " op " << o;
             }
         }
     }
-}
-
-TEST(TLRaidDataPositions, GivenDocumentsKeepTheirPositionsToo) {
-    CTLRaidData tree, adapter, drive;
-    ASSERT_TRUE(tree.SetDoc(SampleTree("port-list.xml")));
-    ASSERT_TRUE(tree.GetAdapterData(adapter, 0));
-    ASSERT_TRUE(adapter.GetPhysicalDriveData(drive, 2));
-    ASSERT_TRUE(drive.FindElem() && drive.FindChildElem("Status"));
-    uint32_t main = drive.GetMainPos(), child = drive.GetChildPos();
-    uint32_t index = 0;
-    EXPECT_TRUE(adapter.GetPhysicalDriveIndex(index, drive));
-    EXPECT_TRUE(adapter.GetEnclosureIndexOfDrive(index, drive));
-    EXPECT_EQ(drive.GetMainPos(), main);
-    EXPECT_EQ(drive.GetChildPos(), child);
 }
 
 TEST(TLRaidDataPositions, ADocumentMayBeItsOwnOutDocument) {

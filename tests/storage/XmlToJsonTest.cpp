@@ -164,16 +164,17 @@ std::string Expected(const XmlTreeNode& n, const std::string& path, const ArrayL
     return "{" + out.substr(1) + "}";
 }
 
-std::string ExpectedOf(CXmlDoc& doc, const ArrayList& list) {
-    XmlTreeNode top;
-    doc.ResetPos();
+// The text of a document with one root by those rules.
+std::string ExpectedOf(const std::string& xml, const ArrayList& list) {
+    CXmlDoc doc;
+    doc.SetDoc(xml);
     doc.FindElem();
+    XmlTreeNode top;
     top.aChildren.push_back(ReadTree(doc));
     return Expected(top, "", list);
 }
 
-// Random documents: few names, so that siblings share them, some attributes and texts, and
-// names that mean more than themselves to a search.
+// Random documents: few names, so that siblings share them, and some attributes and texts.
 std::string RandomXml(std::mt19937& rng, int nDepth) {
     static const char* const kNames[] = {"a", "b", "c", "Adapter"};
     static const char* const kTexts[] = {"", "0", "7", "01", "x", "q&quot;t"};
@@ -198,20 +199,16 @@ TEST(XmlToJson, SameAsTheRulesOverTheTree) {
     for (int i = 0; i < 300; ++i) {
         const std::string xml = RandomXml(rng, 1 + i % 4);
         for (const ArrayList& list : lists) {
-            CXmlDoc doc;
-            doc.SetDoc(xml);
-            std::string out;
-            XmlToJSON(out, doc, list, true, true, false);
-            EXPECT_EQ(out, ExpectedOf(doc, list)) << xml;
+            EXPECT_EQ(Json(xml, list), ExpectedOf(xml, list)) << xml;
         }
     }
     for (const std::string& name : SampleTreeNames()) {
         CTLRaidData source, exported;
         source.SetDoc(SampleTree(name));
         BuildStorageDeviceTree(exported, source);
-        std::string out;
-        XmlToJSON(out, exported, StorageTreeArrayList(), true, true, false);
-        EXPECT_EQ(out, ExpectedOf(exported, StorageTreeArrayList())) << name;
+        const std::string xml = exported.GetDoc();
+        EXPECT_EQ(Json(xml, StorageTreeArrayList()), ExpectedOf(xml, StorageTreeArrayList()))
+            << name;
     }
 }
 
