@@ -137,8 +137,6 @@ TEST(LearnCycleTable, PriorityOverAllAdditionalStatusChildren) {
     };
     const Row rows[] = {
         {{}, 0},
-        {{"Learn Cycle Active"}, 2},
-        {{"Learn Cycle Failed"}, 4},
         {{"Learn Cycle Active", "Learn Cycle Failed"}, 4},
         {{"learn cycle timeout", "Learn Cycle Active"}, 3},
         {{"Charge Active", "Learn Cycle Requested", "Learn Cycle Active"}, 2},

@@ -64,7 +64,6 @@ TEST(TLRaidDataDrives, CountAndOrderOnEveryLayout) {
 
 TEST(TLRaidDataDrives, LayoutsAreTestedInTheirOrder) {
     const std::tuple<const char*, const char*> rows[] = {
-        {"<Adapter/>", ""},
         {"<Adapter><Ports/><PhysicalDrive DeviceNumber=\"9\"/></Adapter>", ""},
         {"<Adapter><PhysicalDrive DeviceNumber=\"9\"/><Channels><Channel>"
          "<PhysicalDrive DeviceNumber=\"1\"/></Channel></Channels></Adapter>",

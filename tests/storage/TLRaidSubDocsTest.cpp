@@ -56,12 +56,6 @@ TEST(TLRaidDataSubDocs, LogicalDrivesAreTheAdaptersChildrenOnly) {
     EXPECT_EQ(Describe(out, "MDCProgress"), "LogicalDrive 37");
     // The back references under the drives' Layout elements are not logical drives.
     EXPECT_FALSE(adapter.GetRaidLogicalDriveData(out, 2));
-
-    ASSERT_TRUE(tree.SetDoc(SampleTree("logical-drives.xml")));
-    ASSERT_TRUE(tree.GetAdapterData(adapter, 0));
-    EXPECT_TRUE(adapter.GetRaidLogicalDriveData(out, 6));
-    EXPECT_EQ(Describe(out, "Name"), "LogicalDrive New");
-    EXPECT_EQ(out.GetLogicalDriveStatus(), -1);
 }
 
 TEST(TLRaidDataSubDocs, OnlyTheFirstBatteryIsReachable) {

@@ -37,7 +37,6 @@ TEST(XmlToJson, ElementsAttributesAndArrays) {
         {"<a q='say \"hi\"'>say \"hi\"</a>",
          "{\"a\":{\"@q\":\"say \"hi\"\",\"#text\":\"say \\\"hi\\\"\"}}"},
         {"<a>c:\\dir\\</a>", "{\"a\":\"c:\\dir\\\"}"},
-        {"<a>x\ty</a>", "{\"a\":\"x\ty\"}"},
         {"<a>&lt;&amp;</a>", "{\"a\":\"<&\"}"},
         // Texts that read as numbers.
         {"<a><b>0</b><c>00</c><d>12</d><e>007</e><f>1.5</f><g>-3</g><h>1e3</h></a>",
@@ -71,9 +70,7 @@ TEST(XmlToJson, EmptyDocumentGivesBracesAndFalse) {
     std::string out = "old";
     EXPECT_FALSE(XmlToJSON(out, doc, {}, true, true, false));
     EXPECT_EQ(out, "{}");
-    doc.SetDoc("<a/>");
-    EXPECT_TRUE(XmlToJSON(out, doc, {}, true, true, false));
-    EXPECT_EQ(out, "{\"a\":\"\"}");
+    EXPECT_EQ(Json("<a/>"), "{\"a\":\"\"}");
 }
 
 TEST(XmlToJson, PrettyForm) {
