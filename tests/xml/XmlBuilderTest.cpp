@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "xml/XmlDoc.h"
 #include "xml/XmlIndexCheck.h"
@@ -25,12 +26,7 @@ std::string Outline(const CXmlDoc& doc, uint32_t i = 0) {
 }
 
 TEST(XmlBuilder, IndexAndReports) {
-    const struct {
-        const char* pszDoc;
-        bool bWellFormed;
-        const char* pszOutline;
-        const char* pszResult;
-    } aCases[] = {
+    const std::tuple<const char*, bool, const char*, const char*> aCases[] = {
         {"<a/>", true, "a@0+4", ""},
         {"<r x='1'>\n <a>t</a>\n <b/>\n</r>", true, "r@0+30(a@11+8 b@21+4)", ""},
         {"hello<a/>", true, "a@5+4", ""},
@@ -66,12 +62,12 @@ TEST(XmlBuilder, IndexAndReports) {
          "<first_tag_syntax offset=\"0\"/><first_tag_syntax offset=\"0\"/>"
          "<first_tag_syntax offset=\"3\"/><no_root_element/>"},
     };
-    for (const auto& c : aCases) {
+    for (const auto& [pszDoc, bWellFormed, pszOutline, pszResult] : aCases) {
         CXmlDoc doc;
-        EXPECT_EQ(doc.SetDoc(std::string(c.pszDoc)), c.bWellFormed) << c.pszDoc;
-        EXPECT_EQ(doc.IsWellFormed(), c.bWellFormed) << c.pszDoc;
-        EXPECT_EQ(Outline(doc), c.pszOutline) << c.pszDoc;
-        EXPECT_EQ(doc.GetResult(), c.pszResult) << c.pszDoc;
+        EXPECT_EQ(doc.SetDoc(std::string(pszDoc)), bWellFormed) << pszDoc;
+        EXPECT_EQ(doc.IsWellFormed(), bWellFormed) << pszDoc;
+        EXPECT_EQ(Outline(doc), pszOutline) << pszDoc;
+        EXPECT_EQ(doc.GetResult(), pszResult) << pszDoc;
         CheckIndex(doc);
     }
 }

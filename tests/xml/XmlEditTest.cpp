@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "xml/XmlDoc.h"
 #include "xml/XmlIndexCheck.h"
@@ -8,13 +9,7 @@
 namespace {
 
 TEST(XmlEdit, WhereNewElementsGo) {
-    const struct {
-        const char* pszDoc;
-        const char* pszMain;   // path of main; child is added under it
-        const char* pszChild;  // path of the child to add behind, or null
-        uint32_t nFlags;
-        const char* pszAfter;
-    } aCases[] = {
+    const std::tuple<const char*, const char*, const char*, uint32_t, const char*> aCases[] = {
         {"<P></P>", "P", nullptr, 0, "<P>\n<N/>\n</P>"},
         {"<P>text</P>", "P", nullptr, 0, "<P>text<N/>\n</P>"},
         {"<P>\n<C/>\n</P>", "P", nullptr, 0, "<P>\n<C/>\n<N/>\n</P>"},
@@ -30,15 +25,15 @@ TEST(XmlEdit, WhereNewElementsGo) {
         {"<P>\n<C/>\n<D/>\n</P>", "P", "D", XmlInsertBefore, "<P>\n<C/>\n<N/>\n<D/>\n</P>"},
         {"<P>\n<C/>\n</P>", "P", nullptr, XmlInsertBefore, "<P>\n<N/>\n<C/>\n</P>"},
     };
-    for (const auto& c : aCases) {
+    for (const auto& [pszDoc, pszMain, pszChild, nFlags, pszAfter] : aCases) {
         CXmlDoc doc;
-        doc.SetDoc(std::string(c.pszDoc));
-        ASSERT_TRUE(doc.FindElem(c.pszMain)) << c.pszDoc;
-        if (c.pszChild) {
-            ASSERT_TRUE(doc.FindChildElem(c.pszChild)) << c.pszDoc;
+        doc.SetDoc(std::string(pszDoc));
+        ASSERT_TRUE(doc.FindElem(pszMain)) << pszDoc;
+        if (pszChild) {
+            ASSERT_TRUE(doc.FindChildElem(pszChild)) << pszDoc;
         }
-        ASSERT_TRUE(doc.AddChildElem("N", nullptr, c.nFlags)) << c.pszDoc;
-        EXPECT_EQ(doc.GetDoc(), c.pszAfter) << c.pszDoc;
+        ASSERT_TRUE(doc.AddChildElem("N", nullptr, nFlags)) << pszDoc;
+        EXPECT_EQ(doc.GetDoc(), pszAfter) << pszDoc;
         EXPECT_EQ(doc.GetElemTagName(doc.GetChildPos()), "N");
         CheckSameAsParsed(doc);
     }
@@ -101,12 +96,7 @@ TEST(XmlEdit, RefusedEditsLeaveTheText) {
 }
 
 TEST(XmlEdit, SetAttribWritesDoubleQuotes) {
-    const struct {
-        const char* pszDoc;
-        const char* pszName;
-        const char* pszValue;
-        const char* pszAfter;
-    } aCases[] = {
+    const std::tuple<const char*, const char*, const char*, const char*> aCases[] = {
         {"<a b=c/>", "b", "v", "<a b=\"v\">"},  // the bare value was "c/"
         {"<a b='c'/>", "b", "v", "<a b=\"v\"/>"},
         {"<a b=\"c\" d='e'></a>", "d", "x\"y'", "<a b=\"c\" d=\"x&quot;y&apos;\"></a>"},
@@ -117,47 +107,42 @@ TEST(XmlEdit, SetAttribWritesDoubleQuotes) {
         {"<a b=>t</a>", "b", "v", "<a b=\"v\">t</a>"},
         {"<a b = 'c'/>", "b", "", "<a b = \"\"/>"},
     };
-    for (const auto& c : aCases) {
+    for (const auto& [pszDoc, pszName, pszValue, pszAfter] : aCases) {
         CXmlDoc doc;
-        doc.SetDoc(std::string(c.pszDoc));
-        ASSERT_TRUE(doc.FindElem()) << c.pszDoc;
-        ASSERT_TRUE(doc.SetAttrib(doc.GetMainPos(), c.pszName, c.pszValue)) << c.pszDoc;
-        EXPECT_EQ(doc.GetDoc(), c.pszAfter) << c.pszDoc;
-        EXPECT_EQ(doc.GetAttrib(doc.GetMainPos(), c.pszName), c.pszValue) << c.pszDoc;
+        doc.SetDoc(std::string(pszDoc));
+        ASSERT_TRUE(doc.FindElem()) << pszDoc;
+        ASSERT_TRUE(doc.SetAttrib(doc.GetMainPos(), pszName, pszValue)) << pszDoc;
+        EXPECT_EQ(doc.GetDoc(), pszAfter) << pszDoc;
+        EXPECT_EQ(doc.GetAttrib(doc.GetMainPos(), pszName), pszValue) << pszDoc;
         CheckSameAsParsed(doc);
     }
 }
 
 TEST(XmlEdit, SetData) {
-    const struct {
-        const char* pszDoc;
-        const char* pszValue;
-        uint32_t nFlags;
-        const char* pszAfter;
-    } aCases[] = {
+    const std::tuple<const char*, const char*, uint32_t, const char*> aCases[] = {
         {"<r><a/><b/></r>", "x&y", 0, "<r><a>x&amp;y</a><b/></r>"},
         {"<r><a>x</a></r>", "", 0, "<r><a></a></r>"},
         {"<r><a/></r>", "a]]>b", XmlCData, "<r><a><![CDATA[a]]]]><![CDATA[>b]]></a></r>"},
         {"<r><a>x</y>z</a></r>", "ok", 0, "<r><a>ok</a></r>"},  // clears the ill-formed mark
         {"<r><a></r>", "t", 0, "<r><a>t</r>"},
     };
-    for (const auto& c : aCases) {
+    for (const auto& [pszDoc, pszValue, nFlags, pszAfter] : aCases) {
         CXmlDoc doc;
-        doc.SetDoc(std::string(c.pszDoc));
+        doc.SetDoc(std::string(pszDoc));
         ASSERT_TRUE(doc.FindElem("r"));
         ASSERT_TRUE(doc.FindChildElem("a"));
         uint32_t iA = doc.GetChildPos();
-        ASSERT_TRUE(doc.SetData(iA, c.pszValue, c.nFlags)) << c.pszDoc;
-        EXPECT_EQ(doc.GetDoc(), c.pszAfter) << c.pszDoc;
+        ASSERT_TRUE(doc.SetData(iA, pszValue, nFlags)) << pszDoc;
+        EXPECT_EQ(doc.GetDoc(), pszAfter) << pszDoc;
         EXPECT_EQ(doc.GetChildPos(), iA);
-        EXPECT_EQ(doc.GetData(iA), c.pszValue) << c.pszDoc;
-        EXPECT_FALSE(doc.GetRecord(iA).Has(kElemIllFormed)) << c.pszDoc;
+        EXPECT_EQ(doc.GetData(iA), pszValue) << pszDoc;
+        EXPECT_FALSE(doc.GetRecord(iA).Has(kElemIllFormed)) << pszDoc;
         if (!doc.GetRecord(iA).Has(kElemUnended)) {
             CheckSameAsParsed(doc);
         }
         EXPECT_FALSE(doc.SetData(doc.GetMainPos(), "x"));  // r has children
         EXPECT_FALSE(doc.SetData(0, "x"));
-        EXPECT_EQ(doc.GetDoc(), c.pszAfter) << c.pszDoc;
+        EXPECT_EQ(doc.GetDoc(), pszAfter) << pszDoc;
     }
 }
 

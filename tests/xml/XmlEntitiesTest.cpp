@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <tuple>
 
 #include "xml/EntityTable.h"
 #include "xml/XmlDoc.h"
@@ -13,10 +14,7 @@ std::string Unescape(const std::string& s) {
 }
 
 TEST(XmlEntities, Unescape) {
-    const struct {
-        const char* pszIn;
-        const char* pszOut;
-    } aCases[] = {
+    const std::tuple<const char*, const char*> aCases[] = {
         {"a&b", "a&b"},
         {"&#x41;", "A"},
         {"&#X41;", "A"},
@@ -48,8 +46,8 @@ TEST(XmlEntities, Unescape) {
         {"x&amp", "x&amp"},
         {"&#x41x;", "A"},  // the number is read as far as it goes
     };
-    for (const auto& c : aCases) {
-        EXPECT_EQ(Unescape(c.pszIn), c.pszOut) << c.pszIn;
+    for (const auto& [pszIn, pszOut] : aCases) {
+        EXPECT_EQ(Unescape(pszIn), pszOut) << pszIn;
     }
     EXPECT_EQ(CXmlDoc::UnescapeText("&lt;x", -1, 0), "<x");
     EXPECT_EQ(CXmlDoc::UnescapeText("&lt;x", 3, 0), "&lt");
@@ -57,11 +55,7 @@ TEST(XmlEntities, Unescape) {
 }
 
 TEST(XmlEntities, Escape) {
-    const struct {
-        const char* pszIn;
-        uint32_t nFlags;
-        const char* pszOut;
-    } aCases[] = {
+    const std::tuple<const char*, uint32_t, const char*> aCases[] = {
         {"a<b>&c", 0, "a&lt;b&gt;&amp;c"},
         {"\"q'", 0, "\"q'"},
         {"\"q'", XmlAttribText, "&quot;q&apos;"},
@@ -71,8 +65,8 @@ TEST(XmlEntities, Escape) {
         {"&\xC3\xA9;", XmlKeepRefs, "&\xC3\xA9;"},
         {"", 0, ""},
     };
-    for (const auto& c : aCases) {
-        EXPECT_EQ(CXmlDoc::EscapeText(c.pszIn, c.nFlags), c.pszOut) << c.pszIn;
+    for (const auto& [pszIn, nFlags, pszOut] : aCases) {
+        EXPECT_EQ(CXmlDoc::EscapeText(pszIn, nFlags), pszOut) << pszIn;
     }
 }
 

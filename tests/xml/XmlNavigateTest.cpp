@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "xml/XmlDoc.h"
 
@@ -21,10 +22,7 @@ TEST(XmlNavigate, PathForms) {
     const std::string s =
         "<r><a n='1' k=\"v\"/><a n='2' k='x&amp;y'><c/></a><b n=3 k=plain><d>t</d></b>"
         "<a><x/><x><y/></x></a></r>";
-    const struct {
-        const char* pszPath;
-        const char* pszFound;  // the path of the element found, "" for none
-    } aCases[] = {
+    const std::tuple<const char*, const char*> aCases[] = {
         {"a", "/r/a"},
         {"/r/a", "/r/a"},
         {"/r/a[2]", "/r/a[2]"},
@@ -56,16 +54,16 @@ TEST(XmlNavigate, PathForms) {
         {"a/", ""},
         {"a/@", ""},
     };
-    for (const auto& c : aCases) {
+    for (const auto& [pszPath, pszFound] : aCases) {
         CXmlDoc doc;
         Load(doc, s);
         EXPECT_EQ(doc.GetElemPath(), "");
         ASSERT_TRUE(doc.FindElem("r"));
         ASSERT_TRUE(doc.IntoElem());
-        EXPECT_EQ(doc.FindElem(c.pszPath), *c.pszFound != 0) << c.pszPath;
-        EXPECT_EQ(doc.GetElemPath(), c.pszFound) << c.pszPath;
-        if (!*c.pszFound) {
-            EXPECT_EQ(doc.GetMainPos(), 0u) << c.pszPath;
+        EXPECT_EQ(doc.FindElem(pszPath), *pszFound != 0) << pszPath;
+        EXPECT_EQ(doc.GetElemPath(), pszFound) << pszPath;
+        if (!*pszFound) {
+            EXPECT_EQ(doc.GetMainPos(), 0u) << pszPath;
         }
     }
 }
@@ -175,10 +173,7 @@ TEST(XmlNavigate, TagNames) {
 }
 
 TEST(XmlNavigate, GetDataOfLeaves) {
-    const struct {
-        const char* pszDoc;
-        const char* pszData;
-    } aCases[] = {
+    const std::tuple<const char*, const char*> aCases[] = {
         {"<a><b/></a>", ""},
         {"<a> <!--c--> y </a>", " y "},  // white space alone between markup is
                                          // passed over
@@ -186,11 +181,11 @@ TEST(XmlNavigate, GetDataOfLeaves) {
         {"<a>x</y>z</a>", "xz"},
         {"<a><![CDATA[]]></a>", ""},
     };
-    for (const auto& c : aCases) {
+    for (const auto& [pszDoc, pszData] : aCases) {
         CXmlDoc doc;
-        doc.SetDoc(std::string(c.pszDoc));
-        ASSERT_TRUE(doc.FindElem("a")) << c.pszDoc;
-        EXPECT_EQ(doc.GetData(doc.GetMainPos()), c.pszData) << c.pszDoc;
+        doc.SetDoc(std::string(pszDoc));
+        ASSERT_TRUE(doc.FindElem("a")) << pszDoc;
+        EXPECT_EQ(doc.GetData(doc.GetMainPos()), pszData) << pszDoc;
         for (uint32_t iNone : {0u, 3u, 0xFFFFFFFFu}) {
             EXPECT_EQ(doc.GetData(iNone), "");
         }

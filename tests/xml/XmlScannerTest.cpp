@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "xml/XmlScanner.h"
@@ -83,31 +84,25 @@ TEST(XmlScanner, FirstTokenTypeAndLength) {
 }
 
 TEST(XmlScanner, SelfEndedTags) {
-    const struct {
-        const char* pszText;
-        bool bSelfEnded;
-    } aCases[] = {
+    const std::tuple<const char*, bool> aCases[] = {
         {"<a/>", true},       {"<a />", true},     {"<a b=\"c\"/>", true}, {"<a b='c'/>", true},
         {"<a b=c/>", false},  {"<a b=c />", true}, {"<a b=/>", false},     {"<a b= />", true},
         {"<a b=c\"/>", true}, {"<a>", false},      {"<a b=\"/\">", false},
     };
-    for (const auto& c : aCases) {
-        std::string s = c.pszText;
+    for (const auto& [pszText, bSelfEnded] : aCases) {
+        std::string s = pszText;
         XmlScanner scanner;
         scanner.pText = s.data();
         scanner.nTextLength = uint32_t(s.size());
         XmlToken token;
         ASSERT_EQ(ScanToken(scanner, token), kTokStartTag) << s;
-        EXPECT_EQ((token.nFlags & kTokSelfEnded) != 0, c.bSelfEnded) << s;
+        EXPECT_EQ((token.nFlags & kTokSelfEnded) != 0, bSelfEnded) << s;
         EXPECT_EQ(token.nLength, s.size()) << s;
     }
 }
 
 TEST(XmlScanner, Reports) {
-    const struct {
-        const char* pszText;
-        const char* pszReport;
-    } aCases[] = {
+    const std::tuple<const char*, const char*> aCases[] = {
         {"x<1a>", "<first_tag_syntax offset=\"1\"/>"},
         {"<!x>", "<exclamation_tag_syntax offset=\"0\"/>"},
         {"<!-x>", "<comment_tag_syntax offset=\"0\"/>"},
@@ -125,19 +120,19 @@ TEST(XmlScanner, Reports) {
         {"<", "tag"},
         {"<!", "tag"},
     };
-    for (const auto& c : aCases) {
+    for (const auto& [pszText, pszReport] : aCases) {
         std::string sReport;
-        std::vector<Scanned> aTokens = ScanAll(c.pszText, &sReport);
-        if (c.pszReport[0] == '<') {
-            EXPECT_EQ(sReport, c.pszReport) << c.pszText;
+        std::vector<Scanned> aTokens = ScanAll(pszText, &sReport);
+        if (pszReport[0] == '<') {
+            EXPECT_EQ(sReport, pszReport) << pszText;
             continue;
         }
-        ASSERT_EQ(aTokens.size(), 1u) << c.pszText;
-        EXPECT_EQ(aTokens[0].nType, kTokBad) << c.pszText;
-        EXPECT_EQ(aTokens[0].sText, c.pszText);
-        EXPECT_EQ(sReport, std::string("<unterminated_tag_syntax type=\"") + c.pszReport +
-                               "\" offset=\"0\"/>")
-            << c.pszText;
+        ASSERT_EQ(aTokens.size(), 1u) << pszText;
+        EXPECT_EQ(aTokens[0].nType, kTokBad) << pszText;
+        EXPECT_EQ(aTokens[0].sText, pszText);
+        EXPECT_EQ(sReport,
+                  std::string("<unterminated_tag_syntax type=\"") + pszReport + "\" offset=\"0\"/>")
+            << pszText;
     }
 }
 
