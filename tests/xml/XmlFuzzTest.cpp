@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
 #include <string>
 #include <vector>
@@ -10,6 +11,19 @@
 // Random bytes and random markup must never take a read or write out of the text or the index
 // (the address sanitizer build watches that), must leave a sound index, and must never hang.
 namespace {
+
+// The pieces of a text separated by '|'.
+std::vector<std::string> Split(const std::string& s) {
+    std::vector<std::string> pieces(1);
+    for (char c : s) {
+        if (c == '|') {
+            pieces.emplace_back();
+        } else {
+            pieces.back() += c;
+        }
+    }
+    return pieces;
+}
 
 class Fuzzer {
   public:
@@ -26,26 +40,15 @@ class Fuzzer {
         return s;
     }
 
+    // Pieces of markup and text; the empty piece stands for a NUL byte.
     std::string RandomMarkup() {
-        static const char* const aPieces[] = {"<",         ">",         "</",
-                                              "/>",        "<!--",      "-->",
-                                              "<![CDATA[", "]]>",       "<?",
-                                              "?>",        "<!DOCTYPE", "<!ELEMENT",
-                                              "<!X",       "[",         "]",
-                                              "'",         "\"",        "=",
-                                              "==",        " ",         "\n",
-                                              "\t",        "a",         "b",
-                                              "ab",        "&amp;",     "&#",
-                                              "&#x",       ";",         "&",
-                                              "65",        "é",         "" /* a NUL byte */,
-                                              "<a>",       "</a>",      "<b x='1'>",
-                                              "</b>",      "<c/>",      "<a b=c/>",
-                                              "<1>",       "/",         "?",
-                                              "!",         "-"};
+        static const std::vector<std::string> aPieces = Split(
+            "<|>|</|/>|<!--|-->|<![CDATA[|]]>|<?|?>|<!DOCTYPE|<!ELEMENT|<!X|[|]|'|\"|=|==| |\n|\t|"
+            "a|b|ab|&amp;|&#|&#x|;|&|65|é||<a>|</a>|<b x='1'>|</b>|<c/>|<a b=c/>|<1>|/|?|!|-");
         std::string s;
         for (size_t n = Pick(40); n > 0; --n) {
-            const char* p = aPieces[Pick(std::size(aPieces))];
-            s += *p ? std::string(p) : std::string(1, '\0');
+            const std::string& piece = aPieces[Pick(aPieces.size())];
+            s += piece.empty() ? std::string(1, '\0') : piece;
         }
         return s;
     }
@@ -88,90 +91,45 @@ class Fuzzer {
         return s;
     }
 
+    // None, any record or a few past the end, the largest numbers, or main.
     uint32_t RandomPos(const CXmlDoc& doc) {
-        switch (Pick(4)) {
-            case 0:
-                return 0;
-            case 1:
-                return uint32_t(Pick(size_t(doc.GetRecordCount()) + 3));
-            case 2:
-                return 0xFFFFFFFF - uint32_t(Pick(3));
-            default:
-                return doc.GetMainPos();
-        }
+        const uint32_t aPos[] = {0, uint32_t(Pick(size_t(doc.GetRecordCount()) + 3)),
+                                 0xFFFFFFFF - uint32_t(Pick(3)), doc.GetMainPos()};
+        return aPos[Pick(4)];
     }
 
-    // One random operation of any kind on the document.
+    // One random operation of any kind on the document; edits twice as often as the others.
     void Operate(CXmlDoc& doc) {
         static const char* const aValues[] = {"", "v", "<&>\"'", "]]>", "&amp;", "a\nb", "é"};
         const char* pszValue = aValues[Pick(std::size(aValues))];
-        std::string sPath = RandomPath();
+        const char* pszData = OneIn(2) ? nullptr : pszValue;
+        const std::string sPath = RandomPath();
         const char* pszPath = OneIn(10) ? nullptr : sPath.c_str();
-        switch (Pick(22)) {
-            case 0:
-                doc.FindElem(pszPath);
-                break;
-            case 1:
-                doc.FindChildElem(pszPath);
-                break;
-            case 2:
-                doc.FindPrevElem(OneIn(2) ? nullptr : "a");
-                break;
-            case 3:
-                doc.IntoElem();
-                break;
-            case 4:
-                doc.OutOfElem();
-                break;
-            case 5:
-                doc.ResetPos();
-                break;
-            case 6:
-                doc.SetPos(RandomPos(doc), RandomPos(doc), RandomPos(doc));
-                break;
-            case 7:
-                doc.GetData(RandomPos(doc));
-                doc.GetChildData();
-                break;
-            case 8:
-                doc.GetAttrib(RandomPos(doc), "x");
-                doc.GetAttribName(int(Pick(4)) - 1);
-                break;
-            case 9:
-                doc.GetSubDoc(RandomPos(doc));
-                doc.GetElemPath();
-                doc.GetTagName();
-                break;
-            case 10:
-                doc.SavePos(OneIn(2) ? "" : "s", int(Pick(3)));
-                break;
-            case 11:
-                doc.RestorePos(OneIn(2) ? "" : "s", int(Pick(3)));
-                break;
-            case 12:
-            case 13:
-                doc.AddElem(OneIn(5) ? "" : "n", OneIn(2) ? nullptr : pszValue,
-                            uint32_t(Pick(0x8000)) & 0x701F);
-                break;
-            case 14:
-            case 15:
-                doc.AddChildElem("k", OneIn(2) ? nullptr : pszValue,
-                                 uint32_t(Pick(0x8000)) & 0x301F);
-                break;
-            case 16:
-            case 17:
+        const std::function<void()> aOps[] = {
+            [&] { doc.FindElem(pszPath); },
+            [&] { doc.FindChildElem(pszPath); },
+            [&] { doc.FindPrevElem(OneIn(2) ? nullptr : "a"); },
+            [&] { doc.IntoElem(); },
+            [&] { doc.OutOfElem(); },
+            [&] { doc.ResetPos(); },
+            [&] { doc.SetPos(RandomPos(doc), RandomPos(doc), RandomPos(doc)); },
+            [&] {
+                doc.GetData(RandomPos(doc)) + doc.GetChildData() + doc.GetSubDoc(RandomPos(doc));
+            },
+            [&] { doc.GetAttrib(RandomPos(doc), "x") + doc.GetAttribName(int(Pick(4)) - 1); },
+            [&] { doc.GetElemPath() + doc.GetTagName() + doc.GetDoc(); },
+            [&] { doc.SavePos(OneIn(2) ? "" : "s", int(Pick(3))) || doc.IsWellFormed(); },
+            [&] { doc.RestorePos(OneIn(2) ? "" : "s", int(Pick(3))); },
+            [&] { doc.AddElem(OneIn(5) ? "" : "n", pszData, uint32_t(Pick(0x8000)) & 0x701F); },
+            [&] { doc.AddChildElem("k", pszData, uint32_t(Pick(0x8000)) & 0x301F); },
+            [&] {
                 doc.SetAttrib(RandomPos(doc), OneIn(2) ? "x" : "y", pszValue,
-                              uint32_t(Pick(16)) & 0x8);
-                break;
-            case 18:
-            case 19:
-                doc.SetData(RandomPos(doc), pszValue, uint32_t(Pick(16)) & 0x9);
-                break;
-            default:
-                doc.GetDoc();
-                doc.IsWellFormed();
-                break;
-        }
+                              uint32_t(Pick(2) * 8));
+            },
+            [&] { doc.SetData(RandomPos(doc), pszValue, uint32_t(Pick(16)) & 0x9); },
+        };
+        const size_t i = Pick(std::size(aOps) + 4);
+        aOps[i < std::size(aOps) ? i : i - 4]();
     }
 
   private:
