@@ -8,8 +8,8 @@
 #include "xml/XmlDoc.h"
 #include "xml/XmlIndexCheck.h"
 
-// Random markup and mutated documents must never take a read or write out of the text or the index
-// (the address sanitizer build watches that), must leave a sound index, and must never hang.
+// Random markup and mutated documents must never take a read or write out of the text or the
+// index (the address sanitizer build watches that), must leave a sound index, and never hang.
 namespace {
 
 // The pieces of a text separated by '|'.
