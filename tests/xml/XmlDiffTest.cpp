@@ -17,11 +17,6 @@
 // no white space alone between markup in a leaf (CXmlDoc's GetData passes it over).
 namespace {
 
-struct XmlDocFree {
-    void operator()(xmlDoc* p) const { xmlFreeDoc(p); }
-};
-using XmlDocPtr = std::unique_ptr<xmlDoc, XmlDocFree>;
-
 std::string XmlString(xmlChar* p) {
     std::string s = p ? reinterpret_cast<const char*>(p) : "";
     xmlFree(p);
@@ -47,8 +42,9 @@ XmlTreeNode LibTree(xmlNode* pElem) {
 }
 
 bool LibRead(const std::string& s, XmlTreeNode& tree) {
-    XmlDocPtr pDoc(xmlReadMemory(s.data(), int(s.size()), "generated.xml", nullptr,
-                                 XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+    const int nOptions = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
+    std::unique_ptr<xmlDoc, void (*)(xmlDoc*)> pDoc(
+        xmlReadMemory(s.data(), int(s.size()), "generated.xml", nullptr, nOptions), xmlFreeDoc);
     if (!pDoc) {
         return false;
     }
@@ -218,7 +214,6 @@ class Generator {
 
 TEST(XmlDifferential, GeneratedDocumentsReadAsLibxml2ReadsThem) {
     Generator gen(2024);
-    int nCompared = 0;
     for (int i = 0; i < 5000 && !HasFailure(); ++i) {
         std::string s = gen.Document();
         XmlTreeNode lib;
@@ -227,9 +222,7 @@ TEST(XmlDifferential, GeneratedDocumentsReadAsLibxml2ReadsThem) {
         XmlTreeNode ours = OurTree(s, bWellFormed);
         EXPECT_TRUE(bWellFormed) << s;
         EXPECT_EQ(ours, lib) << s;
-        ++nCompared;
     }
-    EXPECT_EQ(nCompared, 5000);
 }
 
 // Random values put in with AddElem, SetAttrib and SetData read back as they went in, through

@@ -66,15 +66,6 @@ TEST(XmlEntities, Escape) {
     }
 }
 
-TEST(XmlEntities, EscapeThenUnescapeGivesTheText) {
-    std::string s;
-    for (int c = 1; c < 256; ++c) {
-        s += char(c);
-    }
-    EXPECT_EQ(Unescape(CXmlDoc::EscapeText(s, 0)), s);
-    EXPECT_EQ(Unescape(CXmlDoc::EscapeText(s, XmlAttribText)), s);
-}
-
 // The table: buckets of records "L dddd name" by the byte sum of the name, each name found
 // by the lookup at the lowest of its code points.
 TEST(EntityTable, EveryRecordInItsBucketAndFound) {
