@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,6 +20,21 @@ struct XmlTreeNode {
                aChildren == o.aChildren;
     }
 };
+
+inline std::ostream& operator<<(std::ostream& os, const XmlTreeNode& n) {
+    os << "<" << n.sName;
+    for (const auto& a : n.aAttribs) {
+        os << " " << a.first << "=[" << a.second << "]";
+    }
+    os << ">";
+    if (n.aChildren.empty()) {
+        os << "[" << n.sText << "]";
+    }
+    for (const auto& c : n.aChildren) {
+        os << c;
+    }
+    return os << "</" << n.sName << ">";
+}
 
 // Reads the element at the main position and everything below it through navigation alone.
 inline XmlTreeNode ReadTree(CXmlDoc& doc) {
