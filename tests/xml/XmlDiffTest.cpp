@@ -2,6 +2,8 @@
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <random>
 #include <string>
@@ -14,11 +16,6 @@
 // no literal tab, CR or LF in attribute values (the other parser normalises them), no CR at all,
 // no white space alone between markup in a leaf (CXmlDoc's GetData passes it over).
 namespace {
-
-struct XmlDocFree {
-    void operator()(xmlDoc* p) const { xmlFreeDoc(p); }
-};
-using XmlDocPtr = std::unique_ptr<xmlDoc, XmlDocFree>;
 
 std::string XmlString(xmlChar* p) {
     std::string s = p ? reinterpret_cast<const char*>(p) : "";
@@ -45,8 +42,9 @@ XmlTreeNode LibTree(xmlNode* pElem) {
 }
 
 bool LibRead(const std::string& s, XmlTreeNode& tree) {
-    XmlDocPtr pDoc(xmlReadMemory(s.data(), int(s.size()), "generated.xml", nullptr,
-                                 XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+    const int nOptions = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
+    std::unique_ptr<xmlDoc, void (*)(xmlDoc*)> pDoc(
+        xmlReadMemory(s.data(), int(s.size()), "generated.xml", nullptr, nOptions), xmlFreeDoc);
     if (!pDoc) {
         return false;
     }
@@ -61,21 +59,25 @@ XmlTreeNode OurTree(const std::string& s, bool& bWellFormed) {
     return ReadTree(doc);
 }
 
+// Random documents and trees; the same generator for both tests.
 class Generator {
   public:
     explicit Generator(uint32_t nSeed) : m_rng(nSeed) {}
 
     size_t Pick(size_t n) { return std::uniform_int_distribution<size_t>(0, n - 1)(m_rng); }
     bool OneIn(size_t n) { return Pick(n) == 0; }
-    template <size_t N>
-    const char* Any(const char* const (&a)[N]) {
-        return a[Pick(N)];
+    template <class List>
+    std::string Any(const List& a) {
+        return std::data(a)[Pick(std::size(a))];
     }
-
-    std::string Name() {
-        static const char* const aNames[] = {"a",  "b",  "Adapter",   "PhysicalDrive", "x.y", "x-y",
-                                             "_z", "n1", "a\xC3\xA9", "Status",        "A"};
-        return Any(aNames);
+    // Up to n - 1 pieces of the list.
+    template <class List>
+    std::string Some(const List& a, size_t n) {
+        std::string s;
+        for (size_t i = Pick(n); i > 0; --i) {
+            s += Any(a);
+        }
+        return s;
     }
 
     // Text as it stands in an attribute value quoted by q.
@@ -84,12 +86,7 @@ class Generator {
             "v",     "1",    " ",        "x y",    ">",     "/",        "&amp;",
             "&lt;",  "&gt;", "&quot;",   "&apos;", "&#65;", "&#x20AC;", "&#128512;",
             "&#10;", "&#9;", "\xC3\xA9", "=",      "]]>",   "?"};
-        std::string s;
-        for (size_t n = Pick(5); n > 0; --n) {
-            s += Any(aPieces);
-        }
-        s += q == '"' ? (OneIn(3) ? "'" : "") : (OneIn(3) ? "\"" : "");
-        return s;
+        return Some(aPieces, 5) + (!OneIn(3) ? "" : q == '"' ? "'" : "\"");
     }
 
     // Text of a leaf: no ']' so that no "]]>" forms, never white space alone.
@@ -98,96 +95,58 @@ class Generator {
             "t",    "text", " ",      "\n",    "\t",     ">",       "&amp;",
             "&lt;", "&gt;", "&quot;", "&#65;", "&#x41;", "&#8364;", "\xE2\x82\xAC",
             "'",    "\"",   "/",      "=",     "?",      "!",       "-"};
-        std::string s;
-        for (size_t n = Pick(6); n > 0; --n) {
-            s += Any(aPieces);
-        }
-        return s + "t";
+        return Some(aPieces, 6) + "t";
     }
 
     std::string Misc() {
-        switch (Pick(3)) {
-            case 0:
-                return "<!-- c" + std::string(OneIn(2) ? " <x> & " : "") + " -->";
-            case 1:
-                return "<?pi data" + std::string(OneIn(2) ? " <&> " : "") + "?>";
-            default:
-                return OneIn(2) ? "\n" : "  ";
-        }
+        const std::string aMisc[] = {"<!-- c" + std::string(OneIn(2) ? " <x> & " : "") + " -->",
+                                     "<?pi data" + std::string(OneIn(2) ? " <&> " : "") + "?>",
+                                     OneIn(2) ? "\n" : "  "};
+        return Any(aMisc);
     }
 
-    std::string Element(int nDepth) {
-        std::string sName = Name();
-        std::string s = "<" + sName;
+    // An element of the given name, or of a random one.
+    std::string Element(int nDepth, std::string sName = "") {
+        static const char* const aNames[] = {"a",  "b",  "Adapter",   "PhysicalDrive", "x.y", "x-y",
+                                             "_z", "n1", "a\xC3\xA9", "Status",        "A"};
         static const char* const aAttribs[] = {"id",  "Nr", "Type",          "x",
                                                "y.z", "_w", "NrOfProperties"};
-        size_t nFirst = Pick(std::size(aAttribs));
-        for (size_t i = 0, n = Pick(4); i < n; ++i) {
+        sName = sName.empty() ? Any(aNames) : sName;
+        std::string s = "<" + sName;
+        for (size_t i = 0, n = Pick(4), nFirst = Pick(std::size(aAttribs)); i < n; ++i) {
             char q = OneIn(2) ? '"' : '\'';
-            s += OneIn(4) ? "\n  " : " ";
-            s += aAttribs[(nFirst + i) % std::size(aAttribs)];
-            s += OneIn(5) ? " = " : "=";
-            s += q + AttribValue(q) + q;
+            s +=
+                std::string(OneIn(4) ? "\n  " : " ") + aAttribs[(nFirst + i) % std::size(aAttribs)];
+            s += (OneIn(5) ? " = " : "=") + std::string(1, q) + AttribValue(q) + q;
         }
-        if (OneIn(5)) {
-            s += OneIn(2) ? " " : "\n";
-        }
+        s += OneIn(5) ? (OneIn(2) ? " " : "\n") : "";
         if (nDepth > 0 && OneIn(5)) {
             return s + "/>";
         }
         s += ">";
         if (nDepth >= 6 || (nDepth > 0 && OneIn(3))) {
             // A leaf: text, CDATA, comments and processing instructions.
+            static const char* const aCData[] = {"", "x", "<a>&amp;", " ] ]] ", "\n"};
             for (size_t n = Pick(4); n > 0; --n) {
-                switch (Pick(4)) {
-                    case 0:
-                        s += "<![CDATA[" + std::string(Any({"", "x", "<a>&amp;", " ] ]] ", "\n"})) +
-                             "]]>";
-                        break;
-                    case 1:
-                        s += Misc();
-                        if (s.back() != '>') {
-                            s += "t";  // no white space alone
-                        }
-                        break;
-                    default:
-                        s += Text();
-                        break;
-                }
+                const size_t nKind = Pick(4);
+                s += nKind == 0 ? "<![CDATA[" + Any(aCData) + "]]>" : nKind == 1 ? Misc() : Text();
+                s += s.back() == '>' ? "" : "t";  // no white space alone
             }
         } else {
-            std::string sSame = Name();
+            // Children, half of them of one name.
+            const std::string sSame = Any(aNames);
             for (size_t n = Pick(6); n > 0; --n) {
-                if (OneIn(3)) {
-                    s += Misc();
-                }
-                std::string sChild = Element(nDepth + 1);
-                if (OneIn(2)) {
-                    // Same-named siblings.
-                    sChild = "<" + sSame + sChild.substr(sChild.find_first_of(" />", 1));
-                    size_t nEnd = sChild.rfind("</");
-                    if (sChild.back() == '>' && sChild[sChild.size() - 2] != '/' &&
-                        nEnd != std::string::npos) {
-                        sChild = sChild.substr(0, nEnd) + "</" + sSame + ">";
-                    }
-                }
-                s += sChild;
+                s += OneIn(3) ? Misc() : "";
+                s += Element(nDepth + 1, OneIn(2) ? sSame : "");
             }
-            if (OneIn(3)) {
-                s += "\n";
-            }
+            s += OneIn(3) ? "\n" : "";
         }
         return s + "</" + sName + (OneIn(6) ? " >" : ">");
     }
 
     std::string Document() {
-        std::string s;
-        if (OneIn(2)) {
-            s += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-        }
-        if (OneIn(3)) {
-            s += Misc();
-        }
+        std::string s = OneIn(2) ? "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" : "";
+        s += OneIn(3) ? Misc() : "";
         std::string sRoot = Element(0);
         if (OneIn(4)) {
             std::string sName = sRoot.substr(1, sRoot.find_first_of(" \n/>", 1) - 1);
@@ -195,55 +154,18 @@ class Generator {
                      ? "<!DOCTYPE " + sName + ">\n"
                      : "<!DOCTYPE " + sName + " [\n<!-- d -->\n<!ELEMENT " + sName + " ANY>\n]>\n";
         }
-        s += sRoot;
-        if (OneIn(3)) {
-            s += Misc();
-        }
-        return s;
+        return s + sRoot + (OneIn(3) ? Misc() : "");
     }
 
-  private:
-    const char* Any(std::initializer_list<const char*> a) { return a.begin()[Pick(a.size())]; }
-
-    std::mt19937 m_rng;
-};
-
-TEST(XmlDifferential, GeneratedDocumentsReadAsLibxml2ReadsThem) {
-    Generator gen(2024);
-    int nCompared = 0;
-    for (int i = 0; i < 5000 && !HasFailure(); ++i) {
-        std::string s = gen.Document();
-        XmlTreeNode lib;
-        ASSERT_TRUE(LibRead(s, lib)) << "generator made XML that libxml2 refuses:\n" << s;
-        bool bWellFormed = false;
-        XmlTreeNode ours = OurTree(s, bWellFormed);
-        EXPECT_TRUE(bWellFormed) << s;
-        EXPECT_EQ(ours, lib) << s;
-        ++nCompared;
-    }
-    EXPECT_EQ(nCompared, 5000);
-}
-
-// Random values put in with AddElem, SetAttrib and SetData read back as they went in, through
-// CXmlDoc and through libxml2.
-class TreeBuilder {
-  public:
-    explicit TreeBuilder(uint32_t nSeed) : m_rng(nSeed) {}
-
-    size_t Pick(size_t n) { return std::uniform_int_distribution<size_t>(0, n - 1)(m_rng); }
-
+    // A value as AddElem, SetAttrib or SetData take it; no tab or line feed in attributes.
     std::string Value(bool bAttrib) {
         static const char* const aPieces[] = {"a", "Z",   "0",    " ",  "<",     ">",     "&", "\"",
                                               "'", "]]>", "]]",   "]",  "&amp;", "&#65;", "é", "€",
                                               "😀", "/>",  "<!--", "?>", "\n",    "\t"};
-        std::string s;
-        for (size_t n = Pick(6); n > 0; --n) {
-            std::string sPiece = aPieces[Pick(std::size(aPieces))];
-            if (bAttrib && (sPiece == "\n" || sPiece == "\t")) {
-                continue;
-            }
-            s += sPiece;
-        }
+        std::string s = Some(aPieces, 6);
+        s.erase(std::remove_if(s.begin(), s.end(),
+                               [bAttrib](char c) { return bAttrib && (c == '\n' || c == '\t'); }),
+                s.end());
         return s;
     }
 
@@ -251,9 +173,8 @@ class TreeBuilder {
         static const char* const aNames[] = {"Adapter", "Port", "PhysicalDrive", "Status", "e"};
         static const char* const aAttribs[] = {"Nr", "Type", "Name", "k"};
         XmlTreeNode n;
-        n.sName = aNames[Pick(std::size(aNames))];
-        size_t nFirst = Pick(std::size(aAttribs));
-        for (size_t i = 0, c = Pick(4); i < c; ++i) {
+        n.sName = Any(aNames);
+        for (size_t i = 0, c = Pick(4), nFirst = Pick(std::size(aAttribs)); i < c; ++i) {
             n.aAttribs.emplace_back(aAttribs[(nFirst + i) % std::size(aAttribs)], Value(true));
         }
         if (nDepth < 4 && Pick(3)) {
@@ -291,8 +212,23 @@ class TreeBuilder {
     std::mt19937 m_rng;
 };
 
+TEST(XmlDifferential, GeneratedDocumentsReadAsLibxml2ReadsThem) {
+    Generator gen(2024);
+    for (int i = 0; i < 5000 && !HasFailure(); ++i) {
+        std::string s = gen.Document();
+        XmlTreeNode lib;
+        ASSERT_TRUE(LibRead(s, lib)) << "generator made XML that libxml2 refuses:\n" << s;
+        bool bWellFormed = false;
+        XmlTreeNode ours = OurTree(s, bWellFormed);
+        EXPECT_TRUE(bWellFormed) << s;
+        EXPECT_EQ(ours, lib) << s;
+    }
+}
+
+// Random values put in with AddElem, SetAttrib and SetData read back as they went in, through
+// CXmlDoc and through libxml2.
 TEST(XmlRoundTrip, BuiltDocumentsReadBackAndAreWellFormedForLibxml2) {
-    TreeBuilder builder(7);
+    Generator builder(7);
     for (int i = 0; i < 1500 && !HasFailure(); ++i) {
         XmlTreeNode want = builder.Tree(0);
         CXmlDoc doc;

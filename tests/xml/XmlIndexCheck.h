@@ -24,30 +24,23 @@ inline uint32_t CheckIndex(const CXmlDoc& doc) {
         aStack.pop_back();
         uint32_t iFirst = doc.GetRecord(iParent).iElemChild;
         uint32_t iPrev = 0;
-        for (uint32_t i = iFirst; i; i = doc.GetRecord(i).iElemNext) {
+        for (uint32_t i = iFirst; i; iPrev = i, i = doc.GetRecord(i).iElemNext) {
             if (i >= nCount || aSeen[i]) {
                 ADD_FAILURE() << "record " << i << " out of range or reached twice";
                 return nReached;
             }
             aSeen[i] = true;
             ++nReached;
-            const ElemPos& elem = doc.GetRecord(i);
-            EXPECT_EQ(elem.iElemParent, iParent) << "record " << i;
-            EXPECT_EQ(elem.Has(kElemFirst), i == iFirst) << "record " << i;
-            if (i != iFirst) {
-                EXPECT_EQ(elem.iElemPrev, iPrev) << "record " << i;
-                EXPECT_GT(elem.nStart, doc.GetRecord(iPrev).nStart) << "record " << i;
-            }
-            EXPECT_LE(uint64_t(elem.nStart) + elem.nLength, sDoc.size()) << "record " << i;
-            EXPECT_GE(elem.nLength, elem.StartTagLen()) << "record " << i;
-            if (elem.nStart < sDoc.size()) {
-                EXPECT_EQ(sDoc[elem.nStart], '<') << "record " << i;
-            }
-            if (iParent) {
-                EXPECT_GT(elem.nStart, doc.GetRecord(iParent).nStart) << "record " << i;
-            }
+            const ElemPos& e = doc.GetRecord(i);
+            const bool bLinks =
+                e.iElemParent == iParent && e.Has(kElemFirst) == (i == iFirst) &&
+                (i == iFirst || (e.iElemPrev == iPrev && e.nStart > doc.GetRecord(iPrev).nStart)) &&
+                (!iParent || e.nStart > doc.GetRecord(iParent).nStart);
+            const bool bInText = uint64_t(e.nStart) + e.nLength <= sDoc.size() &&
+                                 e.nLength >= e.StartTagLen() &&
+                                 (e.nStart >= sDoc.size() || sDoc[e.nStart] == '<');
+            EXPECT_TRUE(bLinks && bInText) << "record " << i;
             aStack.push_back(i);
-            iPrev = i;
         }
         if (iFirst) {
             EXPECT_EQ(doc.GetRecord(iFirst).iElemPrev, iPrev) << "last child of " << iParent;
@@ -57,29 +50,30 @@ inline uint32_t CheckIndex(const CXmlDoc& doc) {
     return nReached;
 }
 
-// Checks that the index of an edited document is what parsing its text gives: the same tree of
-// elements with the same offsets and tag lengths.
+// Each element in document order with its start, length, tag lengths and level.
+inline std::string Layout(const CXmlDoc& doc) {
+    std::string s;
+    std::vector<uint32_t> aStack{doc.GetRecordCount() ? doc.GetRecord(0).iElemChild : 0u};
+    // Twice the records at most, should the links go round in a circle.
+    for (uint32_t n = 0; !aStack.empty() && n <= 2 * doc.GetRecordCount(); ++n) {
+        const uint32_t i = aStack.back();
+        aStack.pop_back();
+        if (i) {
+            const ElemPos& e = doc.GetRecord(i);
+            s += doc.GetElemTagName(i) + " " + std::to_string(e.nStart) + "+" +
+                 std::to_string(e.nLength) + " " + std::to_string(e.StartTagLen()) + "/" +
+                 std::to_string(e.EndTagLen()) + " " + std::to_string(e.Level()) + "\n";
+            aStack.push_back(e.iElemNext);
+            aStack.push_back(e.iElemChild);
+        }
+    }
+    return s;
+}
+
+// Checks that the index of an edited document is what parsing its text gives.
 inline void CheckSameAsParsed(const CXmlDoc& doc) {
     CheckIndex(doc);
     CXmlDoc parsed;
     parsed.SetDoc(doc.GetDoc());
-    std::vector<std::pair<uint32_t, uint32_t>> aStack{{0, 0}};
-    while (!aStack.empty()) {
-        auto [iEdited, iParsed] = aStack.back();
-        aStack.pop_back();
-        uint32_t i = doc.GetRecord(iEdited).iElemChild;
-        uint32_t j = parsed.GetRecord(iParsed).iElemChild;
-        for (; i && j; i = doc.GetRecord(i).iElemNext, j = parsed.GetRecord(j).iElemNext) {
-            const ElemPos& e = doc.GetRecord(i);
-            const ElemPos& p = parsed.GetRecord(j);
-            EXPECT_EQ(e.nStart, p.nStart) << doc.GetElemTagName(i);
-            EXPECT_EQ(e.nLength, p.nLength) << doc.GetElemTagName(i);
-            EXPECT_EQ(e.StartTagLen(), p.StartTagLen()) << doc.GetElemTagName(i);
-            EXPECT_EQ(e.EndTagLen(), p.EndTagLen()) << doc.GetElemTagName(i);
-            EXPECT_EQ(e.Level(), p.Level()) << doc.GetElemTagName(i);
-            aStack.push_back({i, j});
-        }
-        EXPECT_EQ(i, 0u) << "edited index has more elements than the parse";
-        EXPECT_EQ(j, 0u) << "parse has more elements than the edited index";
-    }
+    EXPECT_EQ(Layout(doc), Layout(parsed)) << doc.GetDoc();
 }

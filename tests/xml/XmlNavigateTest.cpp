@@ -1,16 +1,26 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "xml/XmlDoc.h"
 
-// Navigation that the differential test does not reach: paths, backward and failed finds,
-// saved positions, sub-documents, and values that only a lenient reader takes.
+// Navigation that the differential test does not reach: names that read as paths (a tag name
+// or a piece of a value path may hold brackets, '@', '*' and '='; never '/'), failed finds, saved
+// positions, sub-documents, and values that only a lenient reader takes.
 namespace {
 
 // Parses a document that the test means to be well formed.
 void Load(CXmlDoc& doc, const std::string& s) {
     ASSERT_TRUE(doc.SetDoc(s)) << s;
+}
+
+// Parses a document and goes into its root r.
+::testing::AssertionResult Enter(CXmlDoc& doc, const std::string& s) {
+    if (!doc.SetDoc(s) || !doc.FindElem("r") || !doc.IntoElem()) {
+        return ::testing::AssertionFailure() << s;
+    }
+    return ::testing::AssertionSuccess();
 }
 
 std::string MainAttrib(const CXmlDoc& doc, const char* pszName) {
@@ -21,14 +31,10 @@ TEST(XmlNavigate, PathForms) {
     const std::string s =
         "<r><a n='1' k=\"v\"/><a n='2' k='x&amp;y'><c/></a><b n=3 k=plain><d>t</d></b>"
         "<a><x/><x><y/></x></a></r>";
-    const struct {
-        const char* pszPath;
-        const char* pszFound;  // the path of the element found, "" for none
-    } aCases[] = {
+    const std::tuple<const char*, const char*> aCases[] = {
         {"a", "/r/a"},
-        {"/r/a", "/r/a"},
-        {"/r/a[2]", "/r/a[2]"},
-        {"/r/*[3]", "/r/b"},
+        {"a[2]", "/r/a[2]"},
+        {"*[3]", "/r/b"},
         {"a[4]", ""},
         {"a[@k]", "/r/a"},
         {"a[@k='x&amp;y']", "/r/a[2]"},
@@ -37,59 +43,20 @@ TEST(XmlNavigate, PathForms) {
         {"*[@k=plain]", "/r/b"},
         {"a[@k='nothing']", ""},
         {"*[c]", "/r/a[2]"},
-        {"*[d]", "/r/b"},
-        {"a/@n", "/r/a"},
-        {"//d", "/r/b/d"},
-        {"a[3]/x[2]/y", "/r/a[3]/x[2]/y"},
-        {"a/c", ""},  // descending does not go back to try the next a
-        {"A", ""},    // names are case-sensitive
-        {"a b", ""},
+        {"A", ""},  // names are case-sensitive
         {"a[", ""},
-        {"a]", ""},
-        {"a=", ""},
         {"a[0]", ""},
-        {"a[1]x", ""},
         {"a[@]", ""},
-        {"//r/a", ""},  // one segment only behind "//"
-        {"a//c", ""},
-        {"/", ""},
-        {"a/", ""},
-        {"a/@", ""},
     };
-    for (const auto& c : aCases) {
+    for (const auto& [pszPath, pszFound] : aCases) {
         CXmlDoc doc;
-        Load(doc, s);
-        EXPECT_EQ(doc.GetElemPath(), "");
-        ASSERT_TRUE(doc.FindElem("r"));
-        ASSERT_TRUE(doc.IntoElem());
-        EXPECT_EQ(doc.FindElem(c.pszPath), *c.pszFound != 0) << c.pszPath;
-        EXPECT_EQ(doc.GetElemPath(), c.pszFound) << c.pszPath;
-        if (!*c.pszFound) {
-            EXPECT_EQ(doc.GetMainPos(), 0u) << c.pszPath;
+        ASSERT_TRUE(Enter(doc, s));
+        EXPECT_EQ(doc.FindElem(pszPath), *pszFound != 0) << pszPath;
+        EXPECT_EQ(doc.GetElemPath(), pszFound) << pszPath;
+        if (!*pszFound) {
+            EXPECT_EQ(doc.GetMainPos(), 0u) << pszPath;
         }
     }
-}
-
-TEST(XmlNavigate, AnywherePathLooksInsideMainFirst) {
-    CXmlDoc doc;
-    Load(doc, "<r><A><x><B i='in'/></x></A><B i='behind'/></r>");
-    ASSERT_TRUE(doc.FindElem("r"));
-    ASSERT_TRUE(doc.IntoElem());
-    ASSERT_TRUE(doc.FindElem("A"));
-    ASSERT_TRUE(doc.FindElem("//B"));
-    EXPECT_EQ(doc.GetElemPath(), "/r/A/x/B");
-    // The search stays below the parent, which is now x.
-    EXPECT_FALSE(doc.FindElem("//B"));
-    ASSERT_TRUE(doc.OutOfElem());
-    ASSERT_TRUE(doc.OutOfElem());
-    EXPECT_EQ(doc.GetTagName(), "A");
-    ASSERT_TRUE(doc.FindElem("//B"));
-    EXPECT_EQ(MainAttrib(doc, "i"), "in");
-    doc.ResetPos();
-    ASSERT_TRUE(doc.FindElem("r"));
-    ASSERT_TRUE(doc.IntoElem());
-    ASSERT_TRUE(doc.FindElem("//B[@i='behind']"));
-    EXPECT_EQ(doc.GetElemPath(), "/r/B");
 }
 
 TEST(XmlNavigate, FailedChildFindKeepsPositionsAndRepeatedFindGoesOn) {
@@ -105,43 +72,13 @@ TEST(XmlNavigate, FailedChildFindKeepsPositionsAndRepeatedFindGoesOn) {
     EXPECT_FALSE(doc.FindChildElem("X"));
     EXPECT_EQ(doc.GetMainPos(), iMain);
     EXPECT_EQ(doc.GetChildPos(), iChild);
-    EXPECT_FALSE(doc.FindChildElem("Z"));
-    EXPECT_EQ(doc.GetMainPos(), iMain);
     doc.ResetPos();
     ASSERT_TRUE(doc.FindChildElem("X"));  // finds r first, then its first X
-    EXPECT_EQ(doc.GetAttrib(doc.GetChildPos(), "i"), "1");
-    // A path moves main to the parent of the child found.
-    Load(doc, "<r><a><b/></a></r>");
-    ASSERT_TRUE(doc.FindElem("r"));
-    ASSERT_TRUE(doc.FindChildElem("a/b"));
-    EXPECT_EQ(doc.GetElemTagName(doc.GetChildPos()), "b");
-    EXPECT_EQ(doc.GetTagName(), "a");
-    EXPECT_EQ(doc.GetElemTagName(doc.GetParentPos()), "r");
-}
-
-TEST(XmlNavigate, FindPrevElemWalksBackToTheFirstSibling) {
-    CXmlDoc doc;
-    Load(doc, "<r><a i='1'/><b/><a i='2'/><c/></r>");
-    ASSERT_TRUE(doc.FindElem("r"));
-    ASSERT_TRUE(doc.IntoElem());
-    ASSERT_TRUE(doc.FindPrevElem());  // no main: the last child
-    EXPECT_EQ(doc.GetTagName(), "c");
-    ASSERT_TRUE(doc.FindPrevElem("a"));
-    EXPECT_EQ(MainAttrib(doc, "i"), "2");
-    ASSERT_TRUE(doc.FindPrevElem("a"));
-    EXPECT_EQ(MainAttrib(doc, "i"), "1");
-    EXPECT_FALSE(doc.FindPrevElem());
-    EXPECT_EQ(MainAttrib(doc, "i"), "1");
-    ASSERT_TRUE(doc.FindElem("c"));
-    EXPECT_FALSE(doc.FindPrevElem("x"));
-    EXPECT_EQ(doc.GetTagName(), "c");
 }
 
 TEST(XmlNavigate, IntoAndOutOf) {
     CXmlDoc doc;
-    EXPECT_FALSE(doc.FindElem());
-    EXPECT_FALSE(doc.FindChildElem());
-    EXPECT_FALSE(doc.FindPrevElem());
+    EXPECT_FALSE(doc.FindElem() || doc.FindChildElem() || doc.FindPrevElem());
     Load(doc, "<r><a><b/></a></r>");
     EXPECT_FALSE(doc.IntoElem());
     EXPECT_FALSE(doc.OutOfElem());
@@ -149,12 +86,8 @@ TEST(XmlNavigate, IntoAndOutOf) {
     ASSERT_TRUE(doc.IntoElem());  // nothing at child: main becomes 0
     EXPECT_EQ(doc.GetMainPos(), 0u);
     EXPECT_FALSE(doc.IntoElem());
-    ASSERT_TRUE(doc.FindElem());
-    ASSERT_TRUE(doc.FindChildElem());
-    ASSERT_TRUE(doc.IntoElem());
-    EXPECT_EQ(doc.GetTagName(), "b");
-    ASSERT_TRUE(doc.OutOfElem());
-    EXPECT_EQ(doc.GetTagName(), "a");
+    // Out of b: main a, child b; out of a: main r; no further.
+    ASSERT_TRUE(doc.FindElem() && doc.FindChildElem() && doc.IntoElem() && doc.OutOfElem());
     EXPECT_EQ(doc.GetElemTagName(doc.GetChildPos()), "b");
     ASSERT_TRUE(doc.OutOfElem());
     EXPECT_EQ(doc.GetTagName(), "r");
@@ -163,9 +96,7 @@ TEST(XmlNavigate, IntoAndOutOf) {
 
 TEST(XmlNavigate, TagNames) {
     CXmlDoc doc;
-    Load(doc, "<r><a=b/><c\tx='1'/><d?/></r>");
-    ASSERT_TRUE(doc.FindElem("r"));
-    ASSERT_TRUE(doc.IntoElem());
+    ASSERT_TRUE(Enter(doc, "<r><a=b/><c\tx='1'/><d?/></r>"));
     for (const char* psz : {"a", "c", "d"}) {
         ASSERT_TRUE(doc.FindElem());
         EXPECT_EQ(doc.GetTagName(), psz);
@@ -175,10 +106,7 @@ TEST(XmlNavigate, TagNames) {
 }
 
 TEST(XmlNavigate, GetDataOfLeaves) {
-    const struct {
-        const char* pszDoc;
-        const char* pszData;
-    } aCases[] = {
+    const std::tuple<const char*, const char*> aCases[] = {
         {"<a><b/></a>", ""},
         {"<a> <!--c--> y </a>", " y "},  // white space alone between markup is
                                          // passed over
@@ -186,11 +114,11 @@ TEST(XmlNavigate, GetDataOfLeaves) {
         {"<a>x</y>z</a>", "xz"},
         {"<a><![CDATA[]]></a>", ""},
     };
-    for (const auto& c : aCases) {
+    for (const auto& [pszDoc, pszData] : aCases) {
         CXmlDoc doc;
-        doc.SetDoc(std::string(c.pszDoc));
-        ASSERT_TRUE(doc.FindElem("a")) << c.pszDoc;
-        EXPECT_EQ(doc.GetData(doc.GetMainPos()), c.pszData) << c.pszDoc;
+        doc.SetDoc(std::string(pszDoc));
+        ASSERT_TRUE(doc.FindElem("a")) << pszDoc;
+        EXPECT_EQ(doc.GetData(doc.GetMainPos()), pszData) << pszDoc;
         for (uint32_t iNone : {0u, 3u, 0xFFFFFFFFu}) {
             EXPECT_EQ(doc.GetData(iNone), "");
         }
@@ -216,8 +144,7 @@ TEST(XmlNavigate, LenientAttributes) {
 TEST(XmlNavigate, SubDocTakesTrailingWhiteSpaceUpToTheNextTag) {
     CXmlDoc doc;
     Load(doc, "<r>\n<a>1</a>  \n<b/> t<c/>\n</r>\n");
-    ASSERT_TRUE(doc.FindElem("r"));
-    ASSERT_TRUE(doc.FindChildElem("a"));
+    ASSERT_TRUE(doc.FindElem("r") && doc.FindChildElem("a"));
     EXPECT_EQ(doc.GetSubDoc(doc.GetChildPos()), "<a>1</a>  \n");
     ASSERT_TRUE(doc.FindChildElem("b"));
     EXPECT_EQ(doc.GetSubDoc(doc.GetChildPos()), "<b/>");
@@ -225,39 +152,22 @@ TEST(XmlNavigate, SubDocTakesTrailingWhiteSpaceUpToTheNextTag) {
     EXPECT_EQ(doc.GetSubDoc(0), "");
 }
 
-TEST(XmlNavigate, SavedPositionsKeepTheirKind) {
+TEST(XmlNavigate, SavedPositionsKeepTheirKindInTheirMap) {
     CXmlDoc doc;
     Load(doc, "<r><a><b/></a><c/></r>");
-    ASSERT_TRUE(doc.FindElem("r"));
-    ASSERT_TRUE(doc.FindChildElem("a"));
-    ASSERT_TRUE(doc.SavePos("child"));
-    ASSERT_TRUE(doc.IntoElem());
-    ASSERT_TRUE(doc.IntoElem());
-    ASSERT_TRUE(doc.SavePos("parent"));  // main 0, child 0: the parent is kept
-    ASSERT_TRUE(doc.FindElem("b"));
-    ASSERT_TRUE(doc.SavePos("main", 3));
-    ASSERT_TRUE(doc.SavePos());
+    ASSERT_TRUE(doc.FindElem("r") && doc.FindChildElem("a") && doc.SavePos("child"));
+    ASSERT_TRUE(doc.IntoElem() && doc.IntoElem());
+    ASSERT_TRUE(doc.SavePos("parent", 3));  // main 0, child 0: the parent is kept
     doc.ResetPos();
-
     ASSERT_TRUE(doc.RestorePos("child"));
     EXPECT_EQ(doc.GetTagName(), "r");
     EXPECT_EQ(doc.GetElemTagName(doc.GetChildPos()), "a");
-    ASSERT_TRUE(doc.SavePos());  // overwrites the unnamed one
-    ASSERT_TRUE(doc.RestorePos("parent"));
+    EXPECT_FALSE(doc.RestorePos("parent"));  // other map
+    ASSERT_TRUE(doc.RestorePos("parent", 3));
     EXPECT_EQ(doc.GetElemTagName(doc.GetParentPos()), "a");
     EXPECT_EQ(doc.GetMainPos(), 0u);
-    EXPECT_FALSE(doc.IntoElem());          // node type follows main
-    EXPECT_FALSE(doc.RestorePos("main"));  // other map
-    ASSERT_TRUE(doc.RestorePos("main", 3));
-    EXPECT_EQ(doc.GetTagName(), "b");
-    EXPECT_EQ(doc.GetChildPos(), 0u);
-    EXPECT_EQ(doc.GetElemTagName(doc.GetParentPos()), "a");
-    ASSERT_TRUE(doc.RestorePos());
-    EXPECT_EQ(doc.GetTagName(), "r");
-
-    EXPECT_FALSE(doc.SavePos(nullptr));
-    EXPECT_FALSE(doc.RestorePos(nullptr));
-    EXPECT_FALSE(doc.RestorePos("nothing"));
+    EXPECT_FALSE(doc.IntoElem());  // node type follows main
+    EXPECT_FALSE(doc.SavePos(nullptr) || doc.RestorePos(nullptr) || doc.RestorePos("nothing"));
     EXPECT_FALSE(doc.SavePos("x", -1));
     ASSERT_TRUE(doc.SavePos("far", 1000000));
     EXPECT_TRUE(doc.RestorePos("far", 1000000));

@@ -1,53 +1,32 @@
+// The scanner on its own, for what the parser tests don't reach: token ends that quotes, bare
+// values and nested markup decide, bad and unterminated tokens, and the end of the given length.
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
+#include <tuple>
 
 #include "xml/XmlScanner.h"
 
 namespace {
 
-struct Scanned {
-    int nType;
-    std::string sText;
-};
-
-std::vector<Scanned> ScanAll(const std::string& sText, std::string* pReport = nullptr) {
+// The first token of a text.
+XmlToken FirstToken(const std::string& sText) {
     XmlScanner scanner;
     scanner.pText = sText.data();
     scanner.nTextLength = uint32_t(sText.size());
     XmlToken token;
-    std::vector<Scanned> aTokens;
-    while (ScanToken(scanner, token) != kTokEndOfText) {
-        aTokens.push_back({token.nType, sText.substr(token.nOffset, token.nLength)});
-        EXPECT_EQ(scanner.nOffset, token.nOffset + token.nLength);
-        if (aTokens.size() > sText.size()) {
-            ADD_FAILURE() << "scanner does not advance";
-            break;
-        }
-    }
-    if (pReport) {
-        *pReport = token.sReport;
-    }
-    return aTokens;
+    ScanToken(scanner, token);
+    EXPECT_EQ(scanner.nOffset, token.nOffset + token.nLength) << sText;
+    return token;
 }
 
-struct TokenCase {
-    const char* pszText;
-    int nType;
-    size_t nLength;  // of the first token
-};
-
 TEST(XmlScanner, FirstTokenTypeAndLength) {
-    const TokenCase aCases[] = {
-        {"<a b=\"x>y\">z", kTokStartTag, 11},  // '>' inside quotes ends nothing
+    const std::tuple<const char*, int, size_t> aCases[] = {
         {"<a b=c>d", kTokStartTag, 7},
         {"<a \"x>y\">", kTokStartTag, 6},  // quotes count only behind '='
         {"<a b==\"x>\">", kTokStartTag, 11},
         {"<a b= =\"x>\">", kTokStartTag, 10},  // second '=' apart starts a bare value
         {"</a b=\">\">", kTokEndTag, 8},
-        {"te>xt<a>", kTokText, 3},
-        {" \t\r\n<a>", kTokWhitespace, 4},
         {"  x <a>", kTokText, 4},
         {"<![CDATA[]]]]>", kTokCData, 14},
         {"<![Cx]]>", kTokCData, 8},  // the rest of the word isn't looked at
@@ -57,87 +36,45 @@ TEST(XmlScanner, FirstTokenTypeAndLength) {
         {"<!DOCTYPE a [<!ENTITY e \"]>\">]>", kTokDocType, 31},
         {"<!DOCTYPE a [<!-- > -->]>", kTokDocType, 25},
         {"<!DOCTYPE a SYSTEM 'x>y'>", kTokDocType, 25},
-        {"<1a>b", kTokBad, 4},
         {"<<a>", kTokBad, 1},
         {"< a>", kTokBad, 4},
-        {"<!x>", kTokBad, 4},
-        {"<!-x>", kTokBad, 5},
-        {"<![x>", kTokBad, 5},
-        {"<!DOCTYPE a [<!X>]>", kTokBad, 17},
         {"<é>", kTokBad, 4},  // bytes from 128 up start no name
         {"<:a>", kTokStartTag, 4},
-        {"<{a>", kTokStartTag, 4},
         {"<1a <b>", kTokBad, 4},  // a bad token ends before the next tag
         // The ends of "<!--" and "<?" may not reuse their opening bytes.
         {"<!-->", kTokBad, 5},
         {"<!--->", kTokBad, 6},
         {"<?>", kTokBad, 3},
-        {"<![C]]>", kTokCData, 7},
+        {"<!x>", kTokBad, 4},
+        {"<!-x>", kTokBad, 5},
+        {"<![x>", kTokBad, 5},
+        {"<!DOCTYPE a [<!X>]>", kTokBad, 17},
+        // An unterminated token runs to the end of the text.
+        {"<a b=\"x>", kTokBad, 8},
+        {"<![CDATA[x]]", kTokBad, 12},
+        {"<!-- x --", kTokBad, 9},
+        {"<!DOCTYPE a [", kTokBad, 13},
+        {"</a", kTokBad, 3},
+        {"<?pi", kTokBad, 4},
+        {"<!", kTokBad, 2},
     };
-    for (const TokenCase& c : aCases) {
-        std::vector<Scanned> aTokens = ScanAll(c.pszText);
-        ASSERT_FALSE(aTokens.empty()) << c.pszText;
-        EXPECT_EQ(aTokens[0].nType, c.nType) << c.pszText;
-        EXPECT_EQ(aTokens[0].sText.size(), c.nLength) << c.pszText;
+    for (const auto& [pszText, nType, nLength] : aCases) {
+        XmlToken token = FirstToken(pszText);
+        EXPECT_EQ(token.nType, nType) << pszText;
+        EXPECT_EQ(token.nLength, nLength) << pszText;
     }
 }
 
 TEST(XmlScanner, SelfEndedTags) {
-    const struct {
-        const char* pszText;
-        bool bSelfEnded;
-    } aCases[] = {
-        {"<a/>", true},       {"<a />", true},     {"<a b=\"c\"/>", true}, {"<a b='c'/>", true},
-        {"<a b=c/>", false},  {"<a b=c />", true}, {"<a b=/>", false},     {"<a b= />", true},
-        {"<a b=c\"/>", true}, {"<a>", false},      {"<a b=\"/\">", false},
+    const std::tuple<const char*, bool> aCases[] = {
+        {"<a b=c/>", false},  {"<a b=c />", true},  {"<a b=/>", false},     {"<a b= />", true},
+        {"<a b=c\"/>", true}, {"<a b='c'/>", true}, {"<a b=\"/\">", false},
     };
-    for (const auto& c : aCases) {
-        std::string s = c.pszText;
-        XmlScanner scanner;
-        scanner.pText = s.data();
-        scanner.nTextLength = uint32_t(s.size());
-        XmlToken token;
-        ASSERT_EQ(ScanToken(scanner, token), kTokStartTag) << s;
-        EXPECT_EQ((token.nFlags & kTokSelfEnded) != 0, c.bSelfEnded) << s;
-        EXPECT_EQ(token.nLength, s.size()) << s;
-    }
-}
-
-TEST(XmlScanner, Reports) {
-    const struct {
-        const char* pszText;
-        const char* pszReport;
-    } aCases[] = {
-        {"x<1a>", "<first_tag_syntax offset=\"1\"/>"},
-        {"<!x>", "<exclamation_tag_syntax offset=\"0\"/>"},
-        {"<!-x>", "<comment_tag_syntax offset=\"0\"/>"},
-        {"<![x>", "<cdata_section_syntax offset=\"0\"/>"},
-        {"<!DOCTYPE a [<!X>]>", "<doctype_tag_syntax offset=\"0\"/>"},
-        {"<1><2>", "<first_tag_syntax offset=\"0\"/><first_tag_syntax offset=\"3\"/>"},
-        // An unterminated token runs to the end of the text and tells its type.
-        {"<a", "start_tag"},
-        {"<a b=\"x>", "start_tag"},
-        {"</a", "end_tag"},
-        {"<![CDATA[x]]", "cdata_section"},
-        {"<?pi", "processing_instruction"},
-        {"<!-- x --", "comment"},
-        {"<!DOCTYPE a [", "document_type"},
-        {"<", "tag"},
-        {"<!", "tag"},
-    };
-    for (const auto& c : aCases) {
-        std::string sReport;
-        std::vector<Scanned> aTokens = ScanAll(c.pszText, &sReport);
-        if (c.pszReport[0] == '<') {
-            EXPECT_EQ(sReport, c.pszReport) << c.pszText;
-            continue;
-        }
-        ASSERT_EQ(aTokens.size(), 1u) << c.pszText;
-        EXPECT_EQ(aTokens[0].nType, kTokBad) << c.pszText;
-        EXPECT_EQ(aTokens[0].sText, c.pszText);
-        EXPECT_EQ(sReport, std::string("<unterminated_tag_syntax type=\"") + c.pszReport +
-                               "\" offset=\"0\"/>")
-            << c.pszText;
+    for (const auto& [pszText, bSelfEnded] : aCases) {
+        XmlToken token = FirstToken(pszText);
+        ASSERT_EQ(token.nType, kTokStartTag) << pszText;
+        EXPECT_EQ((token.nFlags & kTokSelfEnded) != 0, bSelfEnded) << pszText;
+        EXPECT_EQ(token.nLength, strlen(pszText)) << pszText;
     }
 }
 
