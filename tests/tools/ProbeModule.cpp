@@ -4,7 +4,9 @@
 //   OC 2: OI events with object code OE.
 //   OC 3: DA = the switch type.
 //   OC 4: sends OI events from a thread of its own, after the call has returned.
+#include <condition_variable>
 #include <cstdint>
+#include <mutex>
 #include <thread>
 
 #include "frame/ExtensionModule.h"
@@ -16,9 +18,11 @@ namespace {
 
 class ProbeModule : public CExtensionModule {
   public:
+    // Senders run detached, so that a host that ends with one running sees no unjoined
+    // thread; the module waits for them before it goes.
     ~ProbeModule() override {
-        if (m_Sender.joinable())
-            m_Sender.join();
+        std::unique_lock<std::mutex> lock(m_Mutex);
+        m_SendersDone.wait(lock, [this] { return m_nSenders == 0; });
     }
     const char* GetModuleName() override { return "EM_PROBE"; }
     int GetServerSeList(uint32_t** list, uint8_t* count) override {
@@ -48,10 +52,16 @@ class ProbeModule : public CExtensionModule {
             case 3:
                 record->SetDataUInt(m_pSwitch ? m_pSwitch->GetSwitchType() : 0, 0);
                 return 1;
-            case 4:
-                if (m_Sender.joinable())
-                    m_Sender.join();
-                m_Sender = std::thread([this, oe, oi] { SendEvents(oe, oi); });
+            case 4: {
+                std::lock_guard<std::mutex> lock(m_Mutex);
+                ++m_nSenders;
+            }
+                std::thread([this, oe, oi] {
+                    SendEvents(oe, oi);
+                    std::lock_guard<std::mutex> lock(m_Mutex);
+                    --m_nSenders;
+                    m_SendersDone.notify_all();
+                }).detach();
                 record->SetStatus(0);
                 return 1;
             default:
@@ -67,7 +77,9 @@ class ProbeModule : public CExtensionModule {
         }
     }
 
-    std::thread m_Sender;
+    std::mutex m_Mutex;
+    std::condition_variable m_SendersDone;
+    int m_nSenders = 0;
 };
 
 CIExtensionModule* Make() {
