@@ -102,6 +102,18 @@ TEST(ReadEnclosureStates, OnlyAChangedCodeFires) {
     EXPECT_EQ(sensor.Status, 5);
 }
 
+TEST(ReadEnclosureStates, ObjectsAreFoundInAnyOrderUnderTheProcessor) {
+    Reading reading(OneEnclosure(Processor({"OK"}, {"30/OK"}, {"OK"})));
+    const std::string reversed =
+        "<Processor Name=\"SES\"><PowerSupply Name=\"PSU\"><Status>Critical</Status>"
+        "</PowerSupply><TemperatureSensor Name=\"T\"><Temperature>70</Temperature>"
+        "<Status>Critical</Status></TemperatureSensor><Fan Name=\"Fan 0\">"
+        "<Status>Critical</Status></Fan></Processor>";
+    EXPECT_EQ(reading.Read(OneEnclosure(reversed)),
+              "{\"OC\":769,\"CA\":800,\"ST\":2} {\"OC\":1025,\"CA\":800,\"ST\":5} "
+              "{\"OC\":1281,\"CA\":800,\"ST\":2}");
+}
+
 TEST(ReadEnclosureStates, RedundancyIsCheckedBehindEverySupply) {
     Reading reading(OneEnclosure(Processor({}, {}, {"OK", "OK"})));
     // Set-up stores "not redundant", so the first reading finds the change.
