@@ -22,17 +22,6 @@ constexpr char kChanged[] = "\nEM_TLRAID::StorageDeviceTreePolling - [MDC] Statu
 constexpr char kFault[] =
     "\nEM_TLRAID::StorageDeviceTreePolling - ERROR # Exception in pool loop! ***";
 
-size_t Count(const std::string& text, const std::string& part) {
-    size_t n = 0;
-    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
-        ++n;
-    return n;
-}
-
-bool Has(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 // One adapter's logical drives by their MDC progress, -1 for a drive without one.
 struct AdapterMdc {
     std::string sName;
@@ -105,12 +94,7 @@ class PollingTest : public RaidModuleTest {
     // before the call has been read in full by the last of these cycles. Gives what was
     // traced meanwhile, and keeps it in m_sTrace.
     std::string Cycles(size_t n) {
-        std::string seen;
-        const auto end = Clock::now() + std::chrono::seconds(60);
-        while (Count(seen, kWait) < n && Clock::now() < end) {
-            seen += Debug.Take();
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
+        std::string seen = TraceUntil(kWait, n);
         EXPECT_GE(Count(seen, kWait), n) << "the polling thread did not cycle";
         m_sTrace += seen;
         return seen;

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <thread>
 
+#include "support/CaptureTraceServer.h"
 #include "support/Process.h"
 #include "support/SandboxHost.h"
 
@@ -56,6 +57,28 @@ bool WaitUntil(const std::function<bool()>& condition, int capMs) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
+}
+
+bool Has(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+size_t Count(const std::string& text, const std::string& part) {
+    size_t n = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++n;
+    return n;
+}
+
+std::string TraceUntil(const std::string& part, size_t times, int capMs) {
+    std::string seen;
+    WaitUntil(
+        [&] {
+            seen += Debug.Take();
+            return Count(seen, part) >= times;
+        },
+        capMs);
+    return seen;
 }
 
 RaidTimings FastTimings() {

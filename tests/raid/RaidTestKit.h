@@ -44,6 +44,11 @@ class FakeSwitch : public ISwitch {
 // Asks the condition again and again until it holds or the cap is over; gives its last answer.
 bool WaitUntil(const std::function<bool()>& condition, int capMs = 20000);
 
+bool Has(const std::string& text, const std::string& part);
+size_t Count(const std::string& text, const std::string& part);
+// Takes the trace until the part has shown up this often or the cap is over; gives all taken.
+std::string TraceUntil(const std::string& part, size_t times = 1, int capMs = 60000);
+
 // Waits, tries and time-outs short enough for tests.
 RaidTimings FastTimings();
 

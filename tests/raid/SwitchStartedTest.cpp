@@ -58,17 +58,6 @@ TEST_F(SwitchStartedTest, AnswerCountsByStatusAndData) {
     }
 }
 
-TEST_F(SwitchStartedTest, QuestionsCarryTheCabinetAndNoStatus) {
-    g_nCabinetNumber = 3;
-    Started(1, "", "");
-    std::vector<std::string> asked = m_pSwitch->Requests();
-    ASSERT_EQ(asked.size(), 2u);
-    EXPECT_EQ(asked[0], R"({"SIP":{"V":1,"CMD":[{"OC":8467,"CA":3}]}})");
-    EXPECT_EQ(asked[1], R"({"SIP":{"V":1,"CMD":[{"OC":8468,"CA":3}]}})");
-    EXPECT_EQ(m_pSwitch->LastTimeout(), 5000u);
-    g_nCabinetNumber = 0;
-}
-
 TEST_F(SwitchStartedTest, AgentlessHostsAskOnlyAboutBatteries) {
     for (uint32_t type : {5u, 10u}) {
         EM_TLRAID& module = Started(type, R"({"ST":0,"DA":1})", R"({"ST":0,"DA":0})");
@@ -113,19 +102,6 @@ TEST_F(SwitchStartedTest, CustomerReplaceableAnswerFollowsTheFlagsAndTheTree) {
         m_pModule->Stop();
         m_bStarted = false;
     }
-}
-
-// The overall values behind the answer, as its trace tells them: disks in warning are 2,
-// a battery in warning 2.
-TEST_F(SwitchStartedTest, CustomerReplaceableTracesTheOverallValues) {
-    ServeSample("demo.xml");
-    ServeTree(Tree("Warning", 2));
-    Started(1, R"({"ST":0,"DA":0})", R"({"ST":0,"DA":0})");
-    ScopedTraceLevel trace(3);
-    EXPECT_EQ(Answer(kCustomerReplaceable, 0, 0, 1), R"({"ST":0,"DA":0})");
-    std::string t = Debug.Take();
-    EXPECT_NE(t.find("m_bCSS_HDD = 0, Physical driver overal status = 2"), std::string::npos);
-    EXPECT_NE(t.find("m_bCSS_BBU = 0, Battery Backup Unit overall status = 2"), std::string::npos);
 }
 
 TEST_F(SwitchStartedTest, WithTheServiceDownItStillEnds) {

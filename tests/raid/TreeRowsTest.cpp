@@ -41,14 +41,6 @@ class TreeRowsTest : public RaidModuleTest {
     std::vector<std::string> RedfishBodies() { return Daemon().RedfishBodies(); }
 };
 
-TEST_F(TreeRowsTest, ExportGivesTheSampleInBothForms) {
-    uint32_t st = 99;
-    EXPECT_EQ(Text(0x21D0, 0, 1, st), ExportedSample("batteries.xml"));
-    EXPECT_EQ(st, 0u);
-    EXPECT_EQ(Text(0x21D0, 1, 1, st), ExportedSample("batteries.json"));
-    EXPECT_EQ(st, 0u);
-}
-
 TEST_F(TreeRowsTest, ExportSelectorAndMissingTree) {
     // An unknown form is refused before any snapshot is fetched.
     EXPECT_EQ(Answer(0x21D0, 2, 0, 5), R"({"ST":1})");
@@ -58,16 +50,11 @@ TEST_F(TreeRowsTest, ExportSelectorAndMissingTree) {
     EXPECT_EQ(Answer(0x21D0, 1, 0, 6), R"({"ST":19})");
 }
 
-// Trees that the reader refuses are no snapshot, though the export itself could rebuild them.
-TEST_F(TreeRowsTest, RefusedTreesAreNotExported) {
-    uint32_t client = 10;
-    for (const char* name :
-         {"adapter-initializing.xml", "mux-not-operational.xml", "version1-sasport.xml"}) {
-        ServeTree(SampleTree(name));
-        ++client;
-        EXPECT_EQ(Answer(0x21D0, 0, 0, client), R"({"ST":19})") << name;
-        EXPECT_EQ(Answer(0x21D0, 1, 0, client), R"({"ST":19})") << name;
-    }
+// A tree that the reader refuses is no snapshot, though the export itself could rebuild it.
+TEST_F(TreeRowsTest, RefusedTreeIsNotExported) {
+    ServeTree(SampleTree("mux-not-operational.xml"));
+    EXPECT_EQ(Answer(0x21D0, 0, 0, 11), R"({"ST":19})");
+    EXPECT_EQ(Answer(0x21D0, 1, 0, 11), R"({"ST":19})");
 }
 
 TEST_F(TreeRowsTest, PathQuestionTellsOnlyWhetherThePathExists) {
@@ -150,10 +137,7 @@ TEST_F(TreeRowsTest, RedfishBodyGoesToTheDaemonAndTheReplyComesBack) {
     std::vector<std::string> bodies = RedfishBodies();
     ASSERT_EQ(bodies.size(), 1u);
     EXPECT_EQ(bodies[0], body);
-    std::string t = Debug.Take();
-    EXPECT_NE(t.find("\nTLRAIDRedfishClient    : RaidRedfishRequest"), std::string::npos);
-    EXPECT_NE(t.find("\nTLRAIDRestClient    : RaidRedfishRequest [" + body + "]"),
-              std::string::npos);
+    EXPECT_TRUE(Has(Debug.Take(), "\nTLRAIDRestClient    : RaidRedfishRequest [" + body + "]"));
 
     // A missing body answers 19 and sends nothing.
     EXPECT_EQ(Answer(0x21D1), R"({"ST":19})");
@@ -186,14 +170,8 @@ TEST_F(TreeRowsTest, TestAttributeBehindItsGate) {
     // Another selector leaves the preset status and the attribute as it was.
     EXPECT_EQ(Answer(0xF021, 40, 0, 1, "3"), R"({"ST":19,"DA":3})");
     EXPECT_EQ(m_pModule->GetTestAttribute(value), "");
-    std::string t = Debug.Take();
-    for (const char* line : {
-             "\nEM_TLRaid           : ModuleRequest - physical disk testAttribute set to 1",
-             "\nEM_TLRaid           : ModuleRequest - BBU testAttribute set to 7",
-             "\nEM_TLRaid           : ModuleRequest - BBU testAttribute disabled",
-         }) {
-        EXPECT_NE(t.find(line), std::string::npos) << line;
-    }
+    EXPECT_TRUE(
+        Has(Debug.Take(), "\nEM_TLRaid           : ModuleRequest - BBU testAttribute set to 7"));
     // The attribute changes no answer.
     uint32_t st = 99;
     EXPECT_EQ(Text(0x21D0, 1, 3, st), ExportedSample("batteries.json"));
