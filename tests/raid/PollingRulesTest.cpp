@@ -72,24 +72,4 @@ TEST(MdcComparison, KeysComparedOneByOne) {
     EXPECT_TRUE(Compare({{"a A0L0", 5}, {"a A0L1", 3}}, {}).empty());
 }
 
-TEST(PollingRules, Trace) {
-    ScopedTraceLevel level(5);
-    Debug.Take();
-    CompareMdcProgress({{"a A0L0", -1}, {"gone A1L0", 3}}, {{"a A0L0", 12}},
-                       [](const std::string&, int16_t, int16_t) {});
-    time_t last = 0;
-    LookAtSmartClock(60, last, HourOf);
-    LookAtSmartClock(11 * kHour, last, HourOf);
-    const std::string tag = "\nEM_TLRAID::StorageDeviceTreePolling - ";
-    EXPECT_EQ(Debug.Take(), tag + "[MDC] Previous status - [-1] 'a A0L0'" + tag +
-                                "[MDC] Current status - [12] 'a A0L0'" + tag +
-                                "[MDC] Status changed! [-1 -> 12] 'a A0L0'" + tag +
-                                "[MDC] Previous status - [3] 'gone A1L0'" + tag +
-                                "[SMART Logs] Errors reported recently, ignore..." + tag +
-                                "[SMART Logs] Check current time '" + AscTime(HourOf(11 * kHour)) +
-                                "'" + tag + "[SMART Logs] Trigger SMART error report at hour 11");
-    // asctime's text ends in a newline, inside the quotes.
-    EXPECT_EQ(AscTime(HourOf(11 * kHour)), "Thu Jan  1 11:00:00 1970\n");
-}
-
 }  // namespace

@@ -160,21 +160,6 @@ TEST_F(PollingTest, EveryMdcChangeDropsTheSnapshots) {
     }
 }
 
-TEST_F(PollingTest, ClientSeesTheNewTreeAfterTheNextCycleWithoutRenewing) {
-    StartPolling(OneDrive(-1));
-    EXPECT_EQ(Progress(1), R"({"ST":19,"DA":"MDCProgress"})");
-    // Another state without an MDC change stays unseen: the snapshot is kept.
-    ServeTree(TreeOf({{"Ctrl", {-1, -1}}}));
-    Cycles(2);
-    EXPECT_EQ(Answer(0x2150, 0, 0, 1), R"({"ST":0,"DA":1})");
-
-    Serve(TreeOf({{"Ctrl", {10, -1}}}));
-    EXPECT_EQ(Progress(1), R"({"ST":0,"DA":"10"})");
-    EXPECT_EQ(Answer(0x2150, 0, 0, 1), R"({"ST":0,"DA":2})");
-    Serve(TreeOf({{"Ctrl", {30, -1}}}));
-    EXPECT_EQ(Progress(1), R"({"ST":0,"DA":"30"})");
-}
-
 TEST_F(PollingTest, DaemonAwayAndBackKeepsTheLastProgress) {
     StartPolling(OneDrive(10));
     Cycles(1);
@@ -246,12 +231,6 @@ TEST_F(PollingTest, StopDuringTheWaitEndsTheThreadAtOnce) {
     EXPECT_TRUE(Has(t, "\nEM_TLRAID::StorageDeviceTreePolling - Thread TERMINATED ***"));
     EXPECT_FALSE(Has(t, "Thread continue...."));
     EXPECT_TRUE(Has(t, "exited, Return = 0x00000001##\n"));
-}
-
-TEST_F(PollingTest, NoCabinetsMeansStatesAreReadAndNoEventArises) {
-    StartPolling(SampleTree("demo.xml"));
-    Cycles(2);
-    EXPECT_TRUE(m_Switch.Events().empty());
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <rapidjson/writer.h>
 
 #include <chrono>
+#include <sstream>
 #include <thread>
 
 #include "support/CaptureTraceServer.h"
@@ -147,17 +148,36 @@ std::string RaidModuleTest::Answer(uint32_t oc, uint32_t oe, uint32_t oi, uint32
                                    const std::string& daJson) {
     auto record = Ask(oc, oe, oi, ci, daJson);
     const rapidjson::Value* cmd = record->Command(0);
-    std::string out = "{";
+    rapidjson::Document out(rapidjson::kObjectType);
     for (const char* name : {"ST", "DA"}) {
-        const rapidjson::Value* v = cmd ? CommandRecord::FindMember(*cmd, name) : nullptr;
-        if (!v)
-            continue;
-        rapidjson::StringBuffer buffer;
-        rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
-        v->Accept(writer);
-        if (out.size() > 1)
-            out += ",";
-        out += std::string("\"") + name + "\":" + buffer.GetString();
+        if (const rapidjson::Value* v = cmd ? CommandRecord::FindMember(*cmd, name) : nullptr)
+            out.AddMember(rapidjson::StringRef(name), rapidjson::Value(*v, out.GetAllocator()),
+                          out.GetAllocator());
     }
-    return out + "}";
+    rapidjson::StringBuffer buffer;
+    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+    out.Accept(writer);
+    return buffer.GetString();
+}
+
+void RaidModuleTest::CheckRows(const std::string& file, const std::string& section,
+                               uint32_t client) {
+    std::istringstream rows(ReadWholeFile(SourcePath("tests/raid/testdata/" + file)));
+    bool inSection = false;
+    size_t asked = 0;
+    for (std::string line; std::getline(rows, line);) {
+        if (!line.empty() && line[0] == '[')
+            inSection = line == "[" + section + "]";
+        if (!inSection || line.empty() || line[0] == '#' || line[0] == '[')
+            continue;
+        std::istringstream row(line);
+        std::string oc, da, want;
+        uint32_t oe = 0, oi = 0;
+        row >> oc >> oe >> oi >> da >> std::ws;
+        std::getline(row, want);
+        EXPECT_EQ(Answer(std::stoul(oc, nullptr, 16), oe, oi, client, da == "-" ? "" : da), want)
+            << line;
+        ++asked;
+    }
+    EXPECT_GT(asked, 0u) << section;
 }

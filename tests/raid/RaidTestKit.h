@@ -71,6 +71,9 @@ class RaidModuleTest : public ::testing::Test {
     // The answer as compact JSON of the command's ST and DA: {"ST":0,"DA":...}.
     std::string Answer(uint32_t oc, uint32_t oe = 0, uint32_t oi = 0, uint32_t ci = 1,
                        const std::string& daJson = "");
+    // Asks every row of a section of tests/raid/testdata/<file> as this client and compares
+    // the answers. A row: OC OE OI DA answer, DA "-" for none.
+    void CheckRows(const std::string& file, const std::string& section, uint32_t client = 1);
 
     std::shared_ptr<FakeRaidDaemon> m_pDaemon = std::make_shared<FakeRaidDaemon>();
     FakeSwitch m_Switch;

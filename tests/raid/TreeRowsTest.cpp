@@ -58,46 +58,13 @@ TEST_F(TreeRowsTest, RefusedTreeIsNotExported) {
 }
 
 TEST_F(TreeRowsTest, PathQuestionTellsOnlyWhetherThePathExists) {
-    struct Row {
-        uint32_t oe;
-        const char* da;
-        const char* want;
-    } rows[] = {
-        // The walk starts below the root and never delivers a value.
-        {0, R"("System/Adapter[0]/Status")", R"({"ST":0,"DA":""})"},
-        {0, R"("/System/Adapter[0x3]/PCIBus")", R"({"ST":0,"DA":""})"},
-        {0, R"("System/Adapter[04]/Battery")", R"({"ST":0,"DA":""})"},
-        {0, R"("System/Adapter[0x5]")", R"({"ST":19,"DA":"System/Adapter[0x5]"})"},
-        {0, R"("System/Nothing")", R"({"ST":19,"DA":"System/Nothing"})"},
-        {0, R"("amEMTL/System")", R"({"ST":19,"DA":"amEMTL/System"})"},
-        {0, R"("")", R"({"ST":19,"DA":""})"},
-        {1, R"("System")", R"({"ST":19,"DA":"System"})"},
-        {0, "", R"({"ST":18})"},
-    };
-    for (const Row& r : rows)
-        EXPECT_EQ(Answer(0x21DD, r.oe, 0, 1, r.da), r.want) << r.da;
+    CheckRows("tree-rows.rows", "PathQuestion");
     ServeTree("");
     EXPECT_EQ(Answer(0x21DD, 0, 0, 2, R"("System")"), R"({"ST":19,"DA":"System"})");
 }
 
 TEST_F(TreeRowsTest, AdapterByDeviceId) {
-    struct Row {
-        uint32_t oc;
-        const char* da;
-        const char* want;
-    } rows[] = {
-        {0x21F0, R"("TYPE_PCI&BUS_26&DEV_0&FUNC_0")", R"({"ST":0,"DA":2})"},
-        {0x21F0, R"("TYPE_PCI&BUS_99&DEV_0&FUNC_0")",
-         R"({"ST":19,"DA":"TYPE_PCI&BUS_99&DEV_0&FUNC_0"})"},
-        {0x21F0, "", R"({"ST":18})"},
-        // Counted among the adapters with a battery, up to and including the one found.
-        {0x21F1, R"("TYPE_PCI&BUS_27&DEV_0&FUNC_0")", R"({"ST":0,"DA":3})"},
-        {0x21F1, R"("TYPE_PCI&BUS_26&DEV_0&FUNC_0")",
-         R"({"ST":19,"DA":"TYPE_PCI&BUS_26&DEV_0&FUNC_0"})"},
-        {0x21F1, "", R"({"ST":18})"},
-    };
-    for (const Row& r : rows)
-        EXPECT_EQ(Answer(r.oc, 0, 0, 1, r.da), r.want) << std::hex << r.oc << " " << r.da;
+    CheckRows("tree-rows.rows", "AdapterByDeviceId");
     // Without a tree these two answer 6, not 19.
     ServeTree("no tree");
     for (uint32_t oc : {0x21F0u, 0x21F1u}) {
