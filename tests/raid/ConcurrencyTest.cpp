@@ -52,8 +52,7 @@ TEST_F(ConcurrencyTest, RequestsDetachesAndStopTogether) {
     requestsDone = true;
     detacher.join();
     EXPECT_EQ(unexpected, 0);
-    EXPECT_EQ(module.Stop(), 1);
-    m_bStarted = false;
+    EXPECT_EQ(StopModule(), 1);
 }
 
 TEST_F(ConcurrencyTest, ServiceThatComesWhileRequestsArrive) {
@@ -65,9 +64,8 @@ TEST_F(ConcurrencyTest, ServiceThatComesWhileRequestsArrive) {
     Daemon().restServerUp = false;
     RaidTimings timings = FastTimings();
     timings.nPollIntervalMs = 50;
-    EM_TLRAID& module = MakeModule(timings, PollingClock(), false);
-    ASSERT_EQ(module.Start(&m_Switch, 0), 1);
-    m_bStarted = true;
+    ASSERT_EQ(StartModule(timings), 1);
+    EM_TLRAID& module = *m_pModule;
 
     // OC, OI and the cabinet (0: the server itself).
     const uint32_t requests[][3] = {{0x2110, 0, 0},   {0x21DF, 0, 0},   {0x0220, 0, 0},
@@ -101,8 +99,7 @@ TEST_F(ConcurrencyTest, ServiceThatComesWhileRequestsArrive) {
     for (auto& t : threads)
         t.join();
     EXPECT_EQ(Answer(0x0220), kCabinetAnswer);
-    EXPECT_EQ(module.Stop(), 1);
-    m_bStarted = false;
+    EXPECT_EQ(StopModule(), 1);
 }
 
 }  // namespace

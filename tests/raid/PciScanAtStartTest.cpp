@@ -11,8 +11,7 @@ const char kSasAdapterNamed[] = "\nPCI PARSER device_name = TL RAID HX420";
 TEST_F(PciScanAtStart, BetweenDetectionAndTheFirstTree) {
     ScopedTraceLevel trace(5);
     ServeSample("demo.xml");
-    EXPECT_EQ(MakeModule(false).Start(&m_Switch, 0), 1);
-    m_bStarted = true;
+    EXPECT_EQ(StartModule(), 1);
     std::string t = Debug.Take();
     size_t detected = t.find("\nEM_TLRAID           : INFO - NOT RunningOnServerStart");
     size_t scanned = t.find(kSasAdapterNamed);
@@ -25,8 +24,7 @@ TEST_F(PciScanAtStart, BetweenDetectionAndTheFirstTree) {
 TEST_F(PciScanAtStart, NotWithoutTheService) {
     ScopedTraceLevel trace(5);
     Daemon().installed = true;
-    EXPECT_EQ(MakeModule(false).Start(&m_Switch, 0), 1);
-    m_bStarted = true;
+    EXPECT_EQ(StartModule(), 1);
     EXPECT_EQ(Debug.Take().find("PCI PARSER"), std::string::npos);
 }
 

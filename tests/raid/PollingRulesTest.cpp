@@ -6,16 +6,8 @@
 #include <vector>
 
 #include "raid/PollingRules.h"
-#include "support/CaptureTraceServer.h"
 
 namespace {
-
-// The local time of a fake clock that counts from the epoch, as if it were UTC.
-std::tm HourOf(time_t when) {
-    std::tm local{};
-    gmtime_r(&when, &local);
-    return local;
-}
 
 constexpr time_t kHour = 3600;
 
@@ -37,14 +29,6 @@ TEST(SmartClock, SpacingAndHours) {
         return std::tm{};
     }));
     EXPECT_EQ(unchanged, last);
-}
-
-TEST(SmartClock, AClockSetBackCountsAsWell) {
-    time_t last = 13 * kHour;
-    EXPECT_FALSE(LookAtSmartClock(10 * kHour + 30 * 60, last, HourOf));  // due, but hour 10
-    EXPECT_EQ(last, 13 * kHour);
-    EXPECT_TRUE(LookAtSmartClock(11 * kHour + 30 * 60, last, HourOf));
-    EXPECT_EQ(last, 11 * kHour + 30 * 60);
 }
 
 struct Change {

@@ -132,6 +132,17 @@ EM_TLRAID& RaidModuleTest::MakeModule(const RaidTimings& timings, const PollingC
     return *m_pModule;
 }
 
+int RaidModuleTest::StartModule(const RaidTimings& timings) {
+    MakeModule(timings, PollingClock(), false);
+    m_bStarted = true;
+    return m_pModule->Start(&m_Switch, 0);
+}
+
+int RaidModuleTest::StopModule() {
+    m_bStarted = false;
+    return m_pModule->Stop();
+}
+
 std::unique_ptr<CommandRecord> RaidModuleTest::Ask(uint32_t oc, uint32_t oe, uint32_t oi,
                                                    uint32_t ci, const std::string& daJson) {
     auto record = std::make_unique<CommandRecord>();

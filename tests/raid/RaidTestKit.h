@@ -65,6 +65,10 @@ class RaidModuleTest : public ::testing::Test {
     // A new module with the test timings, started on the fake switch unless told otherwise.
     EM_TLRAID& MakeModule(bool start = true);
     EM_TLRAID& MakeModule(const RaidTimings& timings, const PollingClock& clock, bool start);
+    // A new module started on the fake switch; gives what Start returned.
+    int StartModule(const RaidTimings& timings = FastTimings());
+    // Stops the module; gives what Stop returned.
+    int StopModule();
     // Sends one request and gives back the answered record.
     std::unique_ptr<CommandRecord> Ask(uint32_t oc, uint32_t oe = 0, uint32_t oi = 0,
                                        uint32_t ci = 1, const std::string& daJson = "");

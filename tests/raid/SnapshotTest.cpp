@@ -86,11 +86,4 @@ TEST_F(SnapshotTest, AdapterIndexEqualToTheCountIsNotThere) {
     EXPECT_FALSE(m_pModule->GetRaidAdapterData(adapter, 1, 2));
 }
 
-TEST_F(SnapshotTest, ClearingDropsEveryClient) {
-    Adapters(1);
-    Adapters(2);
-    EXPECT_TRUE(m_pModule->ClearAllSnapshots());
-    EXPECT_EQ(m_pModule->SnapshotCount(), 0u);
-}
-
 }  // namespace

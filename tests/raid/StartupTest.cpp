@@ -16,8 +16,7 @@ using StartupTest = RaidModuleTest;
 TEST_F(StartupTest, ServiceUpGivesTheFirstTreeAndStartsPolling) {
     ScopedTraceLevel trace(5);
     ServeSample("demo.xml");
-    EM_TLRAID& module = MakeModule(false);
-    EXPECT_EQ(module.Start(&m_Switch, 0), 1);
+    EXPECT_EQ(StartModule(), 1);
     std::string t = Debug.Take();
     EXPECT_TRUE(Has(t, "\nEM_TLRAID           : DetectTLRaid, TL RAID service is  started!"));
     EXPECT_TRUE(Has(t, "Qualifier = (_StorageDeviceTreePollingThread)"));
@@ -27,18 +26,15 @@ TEST_F(StartupTest, ServiceUpGivesTheFirstTreeAndStartsPolling) {
     EXPECT_EQ(Daemon().probes, 1u);
     EXPECT_EQ(Daemon().WaitForFetches(2), 2u);
 
-    EXPECT_EQ(module.Stop(), 1);
+    EXPECT_EQ(StopModule(), 1);
     t = Debug.Take();
     EXPECT_TRUE(Has(t, "\nEM_TLRAID::StorageDeviceTreePolling - Thread TERMINATED ***"));
     EXPECT_TRUE(Has(t, "\n\n### Stop of module EM_TLRAID completed successfully ###"));
-    m_bStarted = false;
 }
 
 TEST_F(StartupTest, NotInstalledStaysIdle) {
     ScopedTraceLevel trace(2);
-    EM_TLRAID& module = MakeModule(false);
-    EXPECT_EQ(module.Start(&m_Switch, 0), 0);
-    m_bStarted = true;
+    EXPECT_EQ(StartModule(), 0);
     std::string t = Debug.Take();
     EXPECT_TRUE(Has(t, "\nEM_TLRAID           : Tessaline RAID not installed!"));
     EXPECT_TRUE(Has(t, "completed with ERRORS! ###"));
@@ -50,9 +46,7 @@ TEST_F(StartupTest, WaitThreadFindsTheServiceWhenItComes) {
     ScopedTraceLevel trace(3);
     ServeTree(SampleTree("demo.xml"));
     Daemon().installed = true;
-    EM_TLRAID& module = MakeModule(false);
-    EXPECT_EQ(module.Start(&m_Switch, 0), 1);
-    m_bStarted = true;
+    EXPECT_EQ(StartModule(), 1);
     std::string t = Debug.Take();
     EXPECT_TRUE(Has(t, "DetectTLRaid, TL RAID service is NOT started!"));
     EXPECT_TRUE(Has(t, "Qualifier = (_WaitForTLRaidStartThread)"));
@@ -82,9 +76,7 @@ TEST_F(StartupTest, ServiceWithoutItsRestServerCountsATry) {
 TEST_F(StartupTest, TreeThatStaysInvalidIsAskedForEveryTry) {
     ScopedTraceLevel trace(2);
     ServeSample("mux-not-operational.xml");
-    EM_TLRAID& module = MakeModule(false);
-    EXPECT_EQ(module.Start(&m_Switch, 0), 0);
-    m_bStarted = true;
+    EXPECT_EQ(StartModule(), 0);
     std::string t = Debug.Take();
     EXPECT_EQ(Count(t, "Got invalid TLRAID response"), 5u);
     // The five tries, and the polling thread's first cycle.
@@ -153,12 +145,11 @@ TEST_F(StartupTest, EveryRoadToTheDaemonHasItsOwnTimeOut) {
 }
 
 TEST_F(StartupTest, StopWaitsItsFullTimeEvenWithoutAService) {
-    EM_TLRAID& module = MakeModule(false);
-    module.Start(&m_Switch, 0);
+    StartModule();
     auto begin = Clock::now();
-    EXPECT_EQ(module.Stop(), 1);
+    EXPECT_EQ(StopModule(), 1);
     EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(50));
-    EXPECT_TRUE(module.IsTerminating());
+    EXPECT_TRUE(m_pModule->IsTerminating());
 }
 
 }  // namespace

@@ -53,8 +53,7 @@ TEST_F(SwitchStartedTest, AnswerCountsByStatusAndData) {
         EXPECT_EQ(module.IsCssHdd(), row.flag) << row.reply;
         EXPECT_EQ(module.IsCssBbu(), row.flag) << row.reply;
         EXPECT_EQ(module.AreTestRequestsEnabled(), row.flag) << row.reply;
-        module.Stop();
-        m_bStarted = false;
+        StopModule();
     }
 }
 
@@ -66,8 +65,7 @@ TEST_F(SwitchStartedTest, AgentlessHostsAskOnlyAboutBatteries) {
         EXPECT_NE(asked[0].find("\"OC\":8468"), std::string::npos);
         EXPECT_FALSE(module.IsCssHdd());
         EXPECT_TRUE(module.AreTestRequestsEnabled());
-        module.Stop();
-        m_bStarted = false;
+        StopModule();
     }
 }
 
@@ -99,8 +97,7 @@ TEST_F(SwitchStartedTest, CustomerReplaceableAnswerFollowsTheFlagsAndTheTree) {
         Started(1, row.hdd, row.bbu);
         EXPECT_EQ(Answer(kCustomerReplaceable, 0, 0, 1), row.want)
             << row.disks << " " << row.battery << " " << row.hdd << " " << row.bbu;
-        m_pModule->Stop();
-        m_bStarted = false;
+        StopModule();
     }
 }
 
