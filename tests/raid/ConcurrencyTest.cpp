@@ -28,13 +28,7 @@ TEST_F(ConcurrencyTest, RequestsDetachesAndStopTogether) {
         threads.emplace_back([&, t] {
             for (int i = 0; i < kRequests; ++i) {
                 const uint32_t* c = codes[(t + i) % std::size(codes)];
-                CommandRecord record;
-                record.SetJson("{\"SIP\":{\"CMD\":[{\"OC\":" + std::to_string(c[0]) + ",\"OE\":" +
-                               std::to_string(c[1]) + ",\"OI\":" + std::to_string(c[2]) +
-                               ",\"CI\":" + std::to_string((t * 7 + i) % kClients) + "}]}}");
-                module.ModuleRequest(&record);
-                uint32_t st = record.GetField("ST", 99);
-                if (st != 0)
+                if (Ask(c[0], c[1], c[2], (t * 7 + i) % kClients)->GetField("ST", 99) != 0)
                     ++unexpected;
             }
         });

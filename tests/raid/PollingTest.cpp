@@ -143,9 +143,7 @@ TEST_F(PollingTest, EveryMdcChangeDropsTheSnapshots) {
         EXPECT_EQ(Count(m_sTrace, "\nEM_TLRAID::ClearAllSnapshots() - Start."), c.lines.size());
         for (const std::string& line : c.lines)
             EXPECT_TRUE(Has(m_sTrace, kChanged + line)) << line;
-        m_pModule->Stop();
-        m_pModule.reset();
-        m_bStarted = false;
+        StopModule();
         Debug.Take();
     }
 }

@@ -17,32 +17,19 @@ void FakeSwitch::Answer(uint32_t oc, const std::string& replyJson) {
     m_Answers[oc] = replyJson;
 }
 
-int FakeSwitch::SendRequest(CIExtensionModule*, CommandRecord* record, uint32_t timeoutMs) {
+int FakeSwitch::SendRequest(CIExtensionModule*, CommandRecord* record, uint32_t) {
     std::lock_guard<std::mutex> lock(m_Mutex);
     m_Requests.push_back(record->ToJson());
-    m_nLastTimeout = timeoutMs;
     auto it = m_Answers.find(record->GetField("OC", 0));
     if (it == m_Answers.end())
         return 0;
     rapidjson::Document reply;
     reply.Parse(it->second.c_str());
     for (const char* name : {"ST", "DA"}) {
-        if (const rapidjson::Value* v = CommandRecord::FindMember(reply, name)) {
+        if (const rapidjson::Value* v = CommandRecord::FindMember(reply, name))
             record->CopyField(name, *v);
-        }
     }
     return 0;
-}
-
-int FakeSwitch::SendEvent(CIExtensionModule*, CommandRecord* record) {
-    std::lock_guard<std::mutex> lock(m_Mutex);
-    m_Events.push_back(record->ToJson());
-    return 0;
-}
-
-std::vector<std::string> FakeSwitch::Events() {
-    std::lock_guard<std::mutex> lock(m_Mutex);
-    return m_Events;
 }
 
 std::vector<std::string> FakeSwitch::Requests() {
