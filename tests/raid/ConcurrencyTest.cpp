@@ -1,12 +1,10 @@
 // Requests on many threads for many clients, with clients going and snapshots dropped
 // beside them, then a stop. Run under the thread sanitizer too (scripts/sanitize).
 #include <atomic>
-#include <set>
 #include <thread>
 #include <vector>
 
 #include "RaidTestKit.h"
-#include "support/SandboxHost.h"
 
 namespace {
 

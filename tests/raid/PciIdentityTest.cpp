@@ -1,16 +1,13 @@
 // The PCI identity of a RAID adapter: the order of its steps and its statuses, from given
-// system adapters and from the sandbox's sample host.
+// system adapters.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 
 #include "frame/CommandRecord.h"
 #include "frame/SwitchProtocol.h"
 #include "raid/PciIdentityRequest.h"
 #include "storage/TLRaidData.h"
-#include "support/Process.h"
-#include "support/SandboxHost.h"
 
 namespace {
 
@@ -35,15 +32,12 @@ CSystemAdapter Adapter(uint8_t bus, uint16_t vendor, uint16_t device, uint8_t he
     return a;
 }
 
-// Makes an adapter document with these PCI children.
-void AdapterDoc(CTLRaidData& doc, const std::string& children) {
-    doc.SetDoc("<Adapter Nr=\"0\">" + children + "</Adapter>");
-}
-
-// The answer as "ST" or "ST:DA".
-std::string Ask(CTLRaidData& adapter, uint32_t oe, SystemAdapterLister list) {
+// The answer for an adapter with these PCI children, as "ST" or "ST:DA".
+std::string Ask(const std::string& children, uint32_t oe) {
+    CTLRaidData adapter;
+    adapter.SetDoc("<Adapter Nr=\"0\">" + children + "</Adapter>");
     CommandRecord record(oc::kAdapterPciIdentity, oe, 0, 0, 19);
-    AnswerPciIdentity(record, adapter, list);
+    AnswerPciIdentity(record, adapter, GivenAdapters);
     std::string answer = std::to_string(record.GetField("ST", 0));
     uint32_t value = 0;
     if (record.GetDataUInt(0, value))
@@ -69,30 +63,23 @@ TEST(PciIdentity, IdsBySelector) {
     };
     for (size_t i = 0; i < std::size(rows); ++i) {
         g_Adapters = {rows[i].adapter};
-        for (uint32_t oe = 0; oe < 5; ++oe) {
-            CTLRaidData doc;
-            AdapterDoc(doc, bus24);
-            EXPECT_EQ(Ask(doc, oe, GivenAdapters), rows[i].answers[oe])
-                << "row " << i << " OE " << oe;
-        }
+        for (uint32_t oe = 0; oe < 5; ++oe)
+            EXPECT_EQ(Ask(bus24, oe), rows[i].answers[oe]) << "row " << i << " OE " << oe;
     }
 }
 
 TEST(PciIdentity, TheFirstAdapterAtTheAddressCounts) {
     g_Adapters = {Adapter(0x18, 0x1000, 0x10E2, 0, "pci\\x"), Adapter(0x18, 0x1000, 0x10E3, 0)};
-    CTLRaidData doc;
-    AdapterDoc(doc,
-               "<PCIBus>24</PCIBus><PCIDevice>0</PCIDevice><PCIFunction>0</PCIFunction>"
-               "<PCISegment>0</PCISegment>");
-    EXPECT_EQ(Ask(doc, 0, GivenAdapters), "19");
+    EXPECT_EQ(Ask("<PCIBus>24</PCIBus><PCIDevice>0</PCIDevice><PCIFunction>0</PCIFunction>"
+                  "<PCISegment>0</PCISegment>",
+                  0),
+              "19");
 }
 
 TEST(PciIdentity, NoAddressNoScan) {
     g_Adapters = {Adapter(0x18, 0x1000, 0x10E2, 0)};
     g_nListed = 0;
-    CTLRaidData doc;
-    AdapterDoc(doc, "<PCIDevice>0</PCIDevice>");
-    EXPECT_EQ(Ask(doc, 4, GivenAdapters), "19");
+    EXPECT_EQ(Ask("<PCIDevice>0</PCIDevice>", 4), "19");
     EXPECT_EQ(g_nListed, 0);
 }
 

@@ -6,7 +6,6 @@
 #include <functional>
 #include <memory>
 #include <stdexcept>
-#include <thread>
 #include <vector>
 
 #include "RaidTestKit.h"

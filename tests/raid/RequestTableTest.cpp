@@ -122,13 +122,11 @@ TEST_F(RequestTableTest, RecordsForAnotherCabinetAreNotReadHere) {
 TEST_F(RequestTableTest, RequestsAreTracedInAndOut) {
     ScopedTraceLevel trace(2);
     Answer(0x2110, 0, 0, 7);
-    std::string t = Debug.Take();
-    EXPECT_NE(
-        t.find("\nEM_TLRAID (REQ)     : OC 0x2110-0x0000 OID 0x0000 MID 0x00000000 Stat 0x16"),
-        std::string::npos);
-    EXPECT_NE(t.find("\nEM_TLRAID (RET)     : OC 0x2110-0x0000 OID 0x0000 MID 0x00000000 Stat 0x00 "
-                     "Data 2"),
-              std::string::npos);
+    const std::string t = Debug.Take();
+    EXPECT_TRUE(
+        Has(t, "\nEM_TLRAID (REQ)     : OC 0x2110-0x0000 OID 0x0000 MID 0x00000000 Stat 0x16"));
+    EXPECT_TRUE(Has(
+        t, "\nEM_TLRAID (RET)     : OC 0x2110-0x0000 OID 0x0000 MID 0x00000000 Stat 0x00 Data 2"));
 }
 
 }  // namespace

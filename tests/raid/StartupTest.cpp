@@ -82,9 +82,8 @@ TEST_F(StartupTest, TreeThatStaysInvalidIsAskedForEveryTry) {
     // The five tries, and the polling thread's first cycle.
     EXPECT_EQ(Daemon().WaitForFetches(5u + 1u), 5u + 1u);
     // The polling thread runs all the same.
-    if (!Has(t, "StorageDeviceTreePolling - Thread started."))
-        t += TraceUntil("StorageDeviceTreePolling - Thread started.");
-    EXPECT_TRUE(Has(t, "StorageDeviceTreePolling - Thread started."));
+    const char kPolling[] = "StorageDeviceTreePolling - Thread started.";
+    EXPECT_TRUE(Has(t, kPolling) || Has(TraceUntil(kPolling), kPolling));
 }
 
 TEST_F(StartupTest, FailedRequestEndsTheFirstWaitAtOnce) {
@@ -111,8 +110,7 @@ TEST_F(StartupTest, ShutdownBeforeStartMakesDetectionGiveUp) {
 
 TEST_F(StartupTest, EveryRoadToTheDaemonHasItsOwnTimeOut) {
     // The shipped waits and tries.
-    const RaidTimings shipped;
-    const RaidTimings& s = shipped;
+    const RaidTimings s;
     EXPECT_EQ(
         (std::vector<uint32_t>{
             s.nStartDetectWaitMs, s.nStartDetectTries, s.nThreadDetectWaitMs, s.nThreadDetectTries,

@@ -1,8 +1,6 @@
 // The switch's answers about customer replaceable parts, and the answer of
 // CM_RaidStatusCustomerReplaceable that they decide.
 #include "RaidTestKit.h"
-#include "frame/CabinetNumber.h"
-#include "support/CaptureTraceServer.h"
 
 namespace {
 
@@ -77,17 +75,13 @@ TEST_F(SwitchStartedTest, CustomerReplaceableAnswerFollowsTheFlagsAndTheTree) {
         const char* bbu;
         const char* want;
     } rows[] = {
-        // Failed disks that the customer may replace: 1.
+        // Failed or warning disks or batteries answer whether the customer may replace them;
+        // healthy parts answer 1 only when both kinds are replaceable.
         {"Failed", 0, R"({"ST":0,"DA":1})", R"({"ST":0,"DA":0})", R"({"ST":0,"DA":1})"},
-        // Failed disks the customer may not replace: 0.
         {"Failed", 0, R"({"ST":0,"DA":0})", R"({"ST":0,"DA":1})", R"({"ST":0,"DA":0})"},
-        // A failed battery the customer may not replace: 0, whatever the disks say.
         {"OK", 3, R"({"ST":0,"DA":1})", R"({"ST":0,"DA":0})", R"({"ST":0,"DA":0})"},
-        // A battery in warning counts as well as a failed one.
         {"OK", 2, R"({"ST":0,"DA":1})", R"({"ST":0,"DA":0})", R"({"ST":0,"DA":0})"},
-        // Disks in warning the customer may not replace: 0, as for failed ones.
         {"Warning", 1, R"({"ST":0,"DA":0})", R"({"ST":0,"DA":0})", R"({"ST":0,"DA":0})"},
-        // Healthy disks that aren't replaceable and a replaceable battery: 0 all the same.
         {"OK", 1, R"({"ST":0,"DA":0})", R"({"ST":0,"DA":1})", R"({"ST":0,"DA":0})"},
         {"OK", 1, R"({"ST":0,"DA":1})", R"({"ST":0,"DA":1})", R"({"ST":0,"DA":1})"},
     };
