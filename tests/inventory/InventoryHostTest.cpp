@@ -10,7 +10,6 @@
 #include "support/CaptureTraceServer.h"
 #include "support/Process.h"
 #include "support/SandboxHost.h"
-#include "support/TempDir.h"
 
 namespace {
 
@@ -36,8 +35,7 @@ TEST_F(InventoryHost, SystemAdaptersOfTheHost) {
     ScopedTraceLevel level(1);
     CPciConfigList list;
     ASSERT_TRUE(list.ScanPciSlots(0));
-    // The records of 33 and 39 lines are dropped, the last one, without a blank line behind,
-    // is lost.
+    // The records of 33 and 39 lines are dropped, the last one is lost.
     EXPECT_TRUE(
         Debug.Take().find("\n CPciConfigList::ScanPciSlots: Configuration not readed properly.") !=
         std::string::npos);
@@ -58,14 +56,9 @@ TEST_F(InventoryHost, SystemAdaptersOfTheHost) {
 
 TEST_F(InventoryHost, SnapshotMacsMustBeWellFormed) {
     ScopedTraceLevel level(2);
-    TempDir dir;
     // Lines as the snapshot's pipeline prints them: the MAC of vmnic2 is one digit short.
-    std::string path =
-        dir.Write("snapshot.txt",
-                  "vmnic2,0000:19:00.0,cvxen,Up,Up,10000,Full,3c:fd:fe:aa:bb:1,9000,Corvane\n"
-                  "vmnic10,0000:19:00.1,cvxen,Up,Down,0,Half,02:00:00:00:00:0A,1500,Corvane\n");
+    const std::string command = "cat " + SourcePath("tests/inventory/testdata/nic-snapshot.txt");
     SystemAdapterSources sources;
-    std::string command = "cat " + path;
     sources.pszNicSnapshotCommand = command.c_str();
     CPciConfigList list;
     list.ScanPciSlots(0);

@@ -43,7 +43,7 @@ class NicList : public ::testing::Test {
     std::unique_ptr<CEsxiNetworkSnapshot> m_pSnapshot;
 };
 
-TEST_F(NicList, SortedByTheNumberOfTheNicACommaLosesTheNic) {
+TEST_F(NicList, SortedByNumberCommaLosesTheNicLastMatchWins) {
     Populate();
     // vmnic3's description holds a comma.
     EXPECT_EQ(Names(), (std::vector<std::string>{"vmnic0", "vmnic1", "vmnic2", "vmnic5", "vmnic6",
@@ -56,10 +56,8 @@ TEST_F(NicList, SortedByTheNumberOfTheNicACommaLosesTheNic) {
     EXPECT_EQ(nic.nColumn9, 1500);
     // The description keeps its blanks, and the newline of the line.
     EXPECT_EQ(nic.sDescription, "Corvane 10GbE Controller\n");
-}
 
-TEST_F(NicList, TheLastMatchWinsCaseAside) {
-    Populate();
+    // The last match wins, case aside.
     CEsxiNicSnapshot found;
     ASSERT_TRUE(m_pSnapshot->FindByPciDevice("0000:af:00.0", found));
     EXPECT_EQ(found.sName, "vmnic7");
@@ -67,10 +65,8 @@ TEST_F(NicList, TheLastMatchWinsCaseAside) {
     EXPECT_EQ(found.sName, "vmnic6");
     EXPECT_FALSE(m_pSnapshot->FindByPciDevice("0000:b0:00.1", found));
     EXPECT_EQ(found.sName, "vmnic6");
-}
 
-TEST_F(NicList, NothingButTheHeader) {
-    EXPECT_TRUE(Populate("head -2").Records().empty());
+    EXPECT_TRUE(Populate("head -2").Records().empty()) << "nothing but the header";
 }
 
 TEST(NetworkContainerList, MacsByPciAddress) {

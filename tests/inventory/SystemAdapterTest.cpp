@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include "inventory/SystemAdapter.h"
 #include "support/Process.h"
@@ -9,12 +11,8 @@
 namespace {
 
 TEST(PciDeviceClassTable, ClassAndDriverByBaseAndSubClass) {
-    struct Row {
-        uint8_t base, sub;
-        uint16_t vendor;
-        const char* name;
-        bool driver;
-    } rows[] = {
+    // Base class, sub class, vendor, the class's name and whether it needs a driver.
+    const std::tuple<uint8_t, uint8_t, uint16_t, const char*, bool> rows[] = {
         // The table's rules: a sub class of its own, one for the whole base class, and the
         // classes that need a driver; a pair that no row names is unknown.
         {0x01, 0x01, 0x8086, "hdc", true},
@@ -27,32 +25,27 @@ TEST(PciDeviceClassTable, ClassAndDriverByBaseAndSubClass) {
         // Serial bus controllers of three vendors are storage, whatever their sub class.
         {0x0C, 0x04, 0x10DF, "SCSIAdapter", true},
         {0x0C, 0x03, 0x1077, "SCSIAdapter", true},
-        {0x0C, 0x00, 0x19A2, "SCSIAdapter", true},
-    };
-    for (const Row& row : rows) {
-        PciDeviceClass cls = ClassifyPciDevice(row.base, row.sub, row.vendor);
-        EXPECT_STREQ(cls.pszName, row.name) << std::hex << +row.base << "/" << +row.sub;
-        EXPECT_EQ(cls.bDriver, row.driver) << std::hex << +row.base << "/" << +row.sub;
+        {0x0C, 0x00, 0x19A2, "SCSIAdapter", true}};
+    for (const auto& [base, sub, vendor, name, driver] : rows) {
+        PciDeviceClass cls = ClassifyPciDevice(base, sub, vendor);
+        EXPECT_STREQ(cls.pszName, name) << std::hex << +base << "/" << +sub;
+        EXPECT_EQ(cls.bDriver, driver) << std::hex << +base << "/" << +sub;
     }
 }
 
 TEST(PciDeviceEnumerator, OnlyTheExactWordsPass) {
-    struct Row {
-        const char* instance;
-        bool pci;
-    } rows[] = {
+    const std::pair<const char*, bool> rows[] = {
         {"PCI\\VEN_1000&DEV_10e2\\4&1", true},
         {"PCI", true},
         {"B06BDRV\\L2ND&PCI_1639", true},
         {"\\PCI\\VEN_1000", true},  // leading backslashes are skipped by the split
         {"PCIROOT\\0", false},
         {"pci\\VEN_1000", false},
-        {"", false},
-    };
-    for (const Row& row : rows) {
+        {"", false}};
+    for (const auto& [instance, pci] : rows) {
         CSystemAdapter adapter;
-        adapter.m_sInstanceId = row.instance;
-        EXPECT_EQ(IsPciDevice(adapter), row.pci) << row.instance;
+        adapter.m_sInstanceId = instance;
+        EXPECT_EQ(IsPciDevice(adapter), pci) << instance;
     }
     CSystemAdapter scanned;
     scanned.m_sHardwareId = "PCI\\VEN_1000&DEV_10e2&SUBSYS_00001234&REV_01";
