@@ -116,13 +116,6 @@ TEST(EventTest, DestructionWaitsForAWaiterToLeave) {
     waiter.join();
 }
 
-TEST(EventTest, WaitTracesAtLevelFive) {
-    ScopedTraceLevel level(5);
-    CEvent event(false, false);
-    event.Wait(0, true);
-    EXPECT_NE(Debug.Take().find("TIMEOUT(0,110) on event "), std::string::npos);
-}
-
 TEST(RecursiveLockTest, OwnerMayLockAgainAndOthersWait) {
     CRecursiveLock lock;
     lock.Lock();

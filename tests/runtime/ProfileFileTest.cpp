@@ -1,41 +1,20 @@
 // Reading profile files: values, key and section lists, comments, cut lines and small buffers.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
 #include "runtime/ProfileFile.h"
+#include "support/Process.h"
 #include "support/TempDir.h"
 
 namespace {
 
-const char kProfile[] =
-    "; vendors\n"
-    "[Sect1]\n"
-    "Name=wrong section\n"
-    "[sect]\n"
-    "Name=wrong case\n"
-    "  [Sect]   ; the one\n"
-    "Name=abc ; x\n"
-    "Spaced = v \n"
-    "Empty=\n"
-    "NoEquals\n"
-    "Name=second\n"
-    "name=lower\n"
-    "\tPadded\t=\t  tabbed\n"
-    "Path=a;b\n"
-    "[Other]\n"
-    "Other=1\n"
-    "[Broken\n"
-    "[Last]\n";
-
 // A list of NUL-ended names as one text with '|' for each NUL.
 std::string Names(const char* buffer, uint32_t count) {
     std::string out(buffer, count);
-    for (char& c : out) {
-        if (c == '\0')
-            c = '|';
-    }
+    std::replace(out.begin(), out.end(), '\0', '|');
     return out;
 }
 
@@ -47,8 +26,7 @@ class ProfileFile : public ::testing::Test {
     }
     const char* Text() const { return m_Buffer.data(); }
 
-    TempDir m_Dir;
-    std::string m_sPath = m_Dir.Write("Adapter.ini", kProfile);
+    std::string m_sPath = SourcePath("tests/runtime/testdata/profile.ini");
     std::string m_Buffer;
 };
 
@@ -107,7 +85,7 @@ TEST_F(ProfileFile, SmallBuffersCutTheAnswer) {
 }
 
 TEST_F(ProfileFile, DefaultWhenTheFileIsMissingNothingWithoutBufferOrPath) {
-    std::string missing = m_Dir.Path() + "/none.ini";
+    std::string missing = m_sPath + ".none";
     char buffer[8] = "xxxxxxx";
     EXPECT_EQ(GetPrivateProfileString("S", "K", "a long default", buffer, 8, missing.c_str()), 7u);
     EXPECT_STREQ(buffer, "a long ");

@@ -71,7 +71,6 @@ TEST_F(TraceEnvironment, LevelByTheFilesOfTheDirectory) {
         uint32_t level;
     } rows[] = {
         {"hex", ModuleFile("0x5"), 5},
-        {"octal", ModuleFile("010"), 8},
         {"newlines skipped", ModuleFile("  \n\t 4"), 4},
         {"no number", ModuleFile("abc"), 0},
         {"inside a comment first",
@@ -175,9 +174,5 @@ TEST_F(TraceEnvironment, FileSetsLevelAndUpdateInterval) {
     EXPECT_TRUE(client.IsEnabled());
     EXPECT_EQ(client.m_nDynamicUpdate, 30u);
     EXPECT_EQ(client.m_nUpdateInterval, 30u);
-    setenv("TL_LOG_DYNAMIC_UPDATE", "7", 1);
-    CDebugClient fromEnv(m_Dir.Path().c_str(), FakeClock);
-    fromEnv.Initialize(kModule);
-    EXPECT_EQ(fromEnv.m_nUpdateInterval, 7u);
 }
 }  // namespace
