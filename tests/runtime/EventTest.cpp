@@ -10,7 +10,6 @@
 
 #include "runtime/Event.h"
 #include "runtime/RecursiveLock.h"
-#include "support/CaptureTraceServer.h"
 
 namespace {
 
@@ -44,11 +43,9 @@ TEST(EventTest, ManualEventWakesAllWaitersAndStaysUp) {
     }
     while (event.Waiters() < 3)
         std::this_thread::yield();
-    const auto set = Clock::now();
     EXPECT_TRUE(event.Set());
     for (auto& t : waiters)
         t.join();
-    EXPECT_LT(MsSince(set), 30000);
     EXPECT_EQ(woken, 3);
     EXPECT_EQ(event.Wait(0, true), CEvent::kWaitSignaled);
 }
@@ -82,14 +79,11 @@ TEST(EventTest, SetAttributesIsRefusedWhileSomebodyWaits) {
 }
 
 TEST(EventTest, NamedEventsShareOneState) {
-    ScopedTraceLevel level(3);
     {
         CEvent first(false, true, "shared-event");
         {
             CEvent second(true, false, "shared-event");
             EXPECT_EQ(first.RefCount(), 2u);
-            EXPECT_NE(Debug.Take().find("WARNING: manual setting mismatch for event"),
-                      std::string::npos);
             // The second construction's signalled state is ignored.
             EXPECT_EQ(second.Wait(0, false), CEvent::kWaitTimeout);
             second.Set();

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <tuple>
 
 #include "runtime/ProfileFile.h"
 #include "support/Process.h"
@@ -31,11 +32,8 @@ class ProfileFile : public ::testing::Test {
 };
 
 TEST_F(ProfileFile, ValuesByKey) {
-    struct Row {
-        const char* section;
-        const char* key;
-        const char* expected;
-    } rows[] = {
+    // Section, key and the value read.
+    const std::tuple<const char*, const char*, const char*> rows[] = {
         {"Sect", "Name", "abc"},       // comment cut, trailing blanks gone; the first match wins
         {"Sect", "Spaced", "v"},       // blanks around '='
         {"Sect", "Padded", "tabbed"},  // tabs count as whitespace
@@ -47,14 +45,13 @@ TEST_F(ProfileFile, ValuesByKey) {
         {"Sec", "Name", "dflt"},       // ']' must follow the name straight away
         {"Missing", "Name", "dflt"},
     };
-    for (const Row& row : rows) {
-        uint32_t count = Get(row.section, row.key, "dflt");
-        EXPECT_STREQ(Text(), row.expected) << row.section << "/" << row.key;
-        EXPECT_EQ(count, strlen(row.expected)) << row.section << "/" << row.key;
+    for (const auto& [section, key, expected] : rows) {
+        EXPECT_EQ(Get(section, key, "dflt"), strlen(expected)) << section << "/" << key;
+        EXPECT_STREQ(Text(), expected) << section << "/" << key;
     }
 }
 
-TEST_F(ProfileFile, ListsEndWithDoubleNul) {
+TEST_F(ProfileFile, ListsEndWithDoubleNulAndSmallBuffersCutTheAnswer) {
     uint32_t count = Get("Sect", nullptr, "ignored");
     EXPECT_EQ(Names(Text(), count + 1), "Name|Spaced|Empty|Name|name|Padded|Path||");
 
@@ -64,9 +61,7 @@ TEST_F(ProfileFile, ListsEndWithDoubleNul) {
 
     EXPECT_EQ(Get("Missing", nullptr, "ignored"), 0u);
     EXPECT_EQ(Text()[0], '\0');
-}
 
-TEST_F(ProfileFile, SmallBuffersCutTheAnswer) {
     // A value is cut to size - 1 bytes with a NUL behind.
     EXPECT_EQ(Get("Other", "Other", "", 1), 0u);
     EXPECT_EQ(Get("Sect", "Spaced", "", 2), 0u);  // a 2-byte buffer reads nothing: default ""
@@ -74,7 +69,7 @@ TEST_F(ProfileFile, SmallBuffersCutTheAnswer) {
     EXPECT_STREQ(Text(), "wrong");
 
     // A list that doesn't fit ends in two NULs at the buffer's end.
-    uint32_t count = Get(nullptr, nullptr, nullptr, 9);
+    count = Get(nullptr, nullptr, nullptr, 9);
     EXPECT_EQ(count, 7u);
     EXPECT_EQ(Names(Text(), 9), "Sect1|s||");
     EXPECT_EQ(Text()[9], '#');  // nothing behind the buffer

@@ -1,6 +1,5 @@
 // The trace client's configuration: files, sections, keys, environment and dynamic update.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <utime.h>
 
 #include <cstdlib>
