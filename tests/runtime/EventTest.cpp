@@ -13,19 +13,12 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-int64_t MsSince(Clock::time_point start) {
-    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
-}
-
 TEST(EventTest, AutomaticResetLetsOneWaitThrough) {
     CEvent event(false, false);
     EXPECT_TRUE(event.Set());
     EXPECT_EQ(event.Wait(0, true), CEvent::kWaitSignaled);
     EXPECT_EQ(event.Wait(50, true), CEvent::kWaitTimeout);
-    // Signalled from the start: the first wait is free, the next one waits.
-    CEvent initially(true, false);
+    CEvent initially(true, false);  // signalled from the start
     EXPECT_EQ(initially.Wait(CEvent::kWaitForever, true), CEvent::kWaitSignaled);
     EXPECT_EQ(initially.Wait(30, true), CEvent::kWaitTimeout);
 }
@@ -100,13 +93,13 @@ TEST(EventTest, NamedEventsShareOneState) {
 TEST(EventTest, DestructionWaitsForAWaiterToLeave) {
     auto event = std::make_unique<CEvent>(false, true);
     CEvent* raw = event.get();
-    const auto waiting = Clock::now();
+    const auto waiting = std::chrono::steady_clock::now();
     std::thread waiter([&] { raw->Wait(1000, false); });
     while (raw->Waiters() == 0)
         std::this_thread::yield();
     // Nothing sets the event: the destruction ends when the waiter's time is up.
     event.reset();
-    EXPECT_GE(MsSince(waiting), 1000);
+    EXPECT_GE(std::chrono::steady_clock::now() - waiting, std::chrono::milliseconds(1000));
     waiter.join();
 }
 

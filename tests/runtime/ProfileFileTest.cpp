@@ -43,7 +43,6 @@ TEST_F(ProfileFile, ValuesByKey) {
         {"Sect", "NoEquals", "dflt"},  // a line without '=' is no key
         {"Sect", "Other", "dflt"},     // the section ended at the next '['
         {"Sec", "Name", "dflt"},       // ']' must follow the name straight away
-        {"Missing", "Name", "dflt"},
     };
     for (const auto& [section, key, expected] : rows) {
         EXPECT_EQ(Get(section, key, "dflt"), strlen(expected)) << section << "/" << key;

@@ -32,8 +32,7 @@ TEST(ThreadTest, KillOrDestructionJoinsAJoinableThreadOnce) {
     worker.stop.Set();
     EXPECT_TRUE(thread.Kill());
     EXPECT_EQ(thread.Handle(), 0u);
-    std::string trace = Debug.Take();
-    EXPECT_NE(trace.find("exited, Return = 0x0000002a##\n"), std::string::npos);
+    EXPECT_NE(Debug.Take().find("exited, Return = 0x0000002a##\n"), std::string::npos);
     // Joined once: there is no thread to kill any more.
     EXPECT_FALSE(thread.Kill());
     EXPECT_NE(Debug.Take().find("\nCThread::Kill: Thread = 0x000000000 doesn't exist !"),

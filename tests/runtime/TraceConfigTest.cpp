@@ -109,7 +109,6 @@ TEST_F(TraceEnvironment, FileSetsLevelAndUpdateIntervalAndEqualLevelsPass) {
     EXPECT_EQ(client.Initialize(kModule), 1);
     EXPECT_EQ(client.m_nFileLevel, 5u);
     EXPECT_TRUE(client.IsEnabled());
-    EXPECT_EQ(client.m_nDynamicUpdate, 30u);
     EXPECT_EQ(client.m_nUpdateInterval, 30u);
     Debug.Take();
     client.Trace(5, "\n%-20s: five", "TAG");
