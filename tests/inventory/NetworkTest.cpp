@@ -7,27 +7,20 @@
 #include "inventory/EsxiNetworkSnapshot.h"
 #include "inventory/InventoryHost.h"
 #include "inventory/NetworkContainer.h"
-#include "support/TempDir.h"
+#include "support/Process.h"
 
 namespace {
 
-const char kHeader[] =
-    "Name     PCI Device    Driver  Admin Status  Link Status  Speed  Duplex  MAC Address"
-    "        MTU   Description\n"
-    "-------  ------------  ------  ------------  -----------  -----  ------  -----------------"
-    "  ----  -----------\n";
-
-std::string Nic(const std::string& name, const std::string& pci, const std::string& mac,
-                const std::string& description = "Corvane 10GbE Controller") {
-    return name + "  " + pci + "  cvxen  Up  Up  10000  Full  " + mac + "  1500  " + description +
-           "\n";
+// The NIC lists of testdata/, read by a command that starts with the given one.
+std::string ListCommand(const char* command, const char* list) {
+    return std::string(command) + " " + SourcePath(std::string("tests/inventory/testdata/") + list);
 }
 
-// The host's pipeline with the NIC list read from a file instead of the host's command.
-std::string SnapshotCommand(const std::string& listPath) {
-    std::string command = inventory_host::kNicSnapshotCommand;
+// The host's pipeline over testdata/nic-list.txt instead of the host's command.
+std::string SnapshotCommand(const char* command) {
+    std::string pipeline = inventory_host::kNicSnapshotCommand;
     const std::string host = inventory_host::kNicListCommand;
-    return command.replace(command.find(host), host.size(), "cat " + listPath);
+    return pipeline.replace(pipeline.find(host), host.size(), ListCommand(command, "nic-list.txt"));
 }
 
 class NicList : public ::testing::Test {
@@ -35,9 +28,8 @@ class NicList : public ::testing::Test {
     // The system's sort orders equal keys by the locale: pin it.
     void SetUp() override { setenv("LC_ALL", "C", 1); }
 
-    CEsxiNetworkSnapshot& Populate(const std::string& body) {
-        std::string path = m_Dir.Write("nic-list.txt", kHeader + body);
-        m_pSnapshot = std::make_unique<CEsxiNetworkSnapshot>(SnapshotCommand(path));
+    CEsxiNetworkSnapshot& Populate(const char* command = "cat") {
+        m_pSnapshot = std::make_unique<CEsxiNetworkSnapshot>(SnapshotCommand(command));
         m_pSnapshot->Populate();
         return *m_pSnapshot;
     }
@@ -48,17 +40,14 @@ class NicList : public ::testing::Test {
         return names;
     }
 
-    TempDir m_Dir;
     std::unique_ptr<CEsxiNetworkSnapshot> m_pSnapshot;
 };
 
-TEST_F(NicList, SortedByTheNumberOfTheNic) {
-    Populate(Nic("vmnic10", "0000:19:00.1", "3c:fd:fe:aa:bb:11") +
-             Nic("vmnic2", "0000:19:00.0", "3c:fd:fe:aa:bb:10") +
-             Nic("vmnic0", "0000:3b:00.0", "a0:36:9f:12:34:56") +
-             Nic("vmnic1", "0000:3b:00.1", "a0:36:9f:12:34:57"));
-    EXPECT_EQ(Names(), (std::vector<std::string>{"vmnic0", "vmnic1", "vmnic2", "vmnic10"}));
-
+TEST_F(NicList, SortedByNumberCommaLosesTheNicLastMatchWins) {
+    Populate();
+    // vmnic3's description holds a comma.
+    EXPECT_EQ(Names(), (std::vector<std::string>{"vmnic0", "vmnic1", "vmnic2", "vmnic5", "vmnic6",
+                                                 "vmnic7", "vmnic10"}));
     const CEsxiNicSnapshot& nic = m_pSnapshot->Records()[2];
     EXPECT_EQ(nic.sPciDevice, "0000:19:00.0");
     EXPECT_EQ(nic.sColumn3, "cvxen");
@@ -67,18 +56,8 @@ TEST_F(NicList, SortedByTheNumberOfTheNic) {
     EXPECT_EQ(nic.nColumn9, 1500);
     // The description keeps its blanks, and the newline of the line.
     EXPECT_EQ(nic.sDescription, "Corvane 10GbE Controller\n");
-}
 
-TEST_F(NicList, ACommaInTheDescriptionLosesTheNic) {
-    Populate(Nic("vmnic3", "0000:d8:00.0", "00:0e:1e:c0:ff:ee", "Dual-port, 25GbE Adapter") +
-             Nic("vmnic4", "0000:d8:00.1", "00:0e:1e:c0:ff:ef"));
-    EXPECT_EQ(Names(), (std::vector<std::string>{"vmnic4"}));
-}
-
-TEST_F(NicList, TheLastMatchWinsCaseAside) {
-    Populate(Nic("vmnic5", "0000:af:00.0", "00:00:00:00:00:05") +
-             Nic("vmnic7", "0000:AF:00.0", "00:00:00:00:00:07") +
-             Nic("vmnic6", "0000:b0:00.0", "00:00:00:00:00:06"));
+    // The last match wins, case aside.
     CEsxiNicSnapshot found;
     ASSERT_TRUE(m_pSnapshot->FindByPciDevice("0000:af:00.0", found));
     EXPECT_EQ(found.sName, "vmnic7");
@@ -86,30 +65,22 @@ TEST_F(NicList, TheLastMatchWinsCaseAside) {
     EXPECT_EQ(found.sName, "vmnic6");
     EXPECT_FALSE(m_pSnapshot->FindByPciDevice("0000:b0:00.1", found));
     EXPECT_EQ(found.sName, "vmnic6");
-}
 
-TEST_F(NicList, NothingButTheHeader) {
-    EXPECT_TRUE(Populate("").Records().empty());
+    EXPECT_TRUE(Populate("head -2").Records().empty()) << "nothing but the header";
 }
 
 TEST(NetworkContainerList, MacsByPciAddress) {
-    TempDir dir;
-    std::string path = dir.Write(
-        "nic-list.txt",
-        std::string(kHeader) + Nic("vmnic2", "0000:19:00.0", "3c:fd:fe:aa:bb:10") +
-            "vusb0    Pseudo        cdce    Up  Up  100  Full  02:00:00:00:00:01  1500  USB\n" +
-            Nic("vmnic9", "0000:19:00.0", "3c:fd:fe:aa:bb:99", "a, b") +
-            Nic("vmnic0", "0000:3B:00.0", "A0:36:9F:12:34:56"));
-    std::map<PciAddress, MacAddress> macs = NetworkContainer::Read(("cat " + path).c_str());
+    std::map<PciAddress, MacAddress> macs =
+        NetworkContainer::Read(ListCommand("cat", "nic-macs.txt").c_str());
     ASSERT_EQ(macs.size(), 2u);
-    // Read by columns, a comma doesn't matter; the later line of an address wins.
+    // Read by columns, a comma doesn't matter; the later line of an address wins; a pseudo
+    // device has no address.
     EXPECT_EQ((macs[PciAddress{0, 0x19, 0, 0}]), (MacAddress{0x3c, 0xfd, 0xfe, 0xaa, 0xbb, 0x99}));
     EXPECT_EQ((macs[PciAddress{0, 0x3b, 0, 0}]), (MacAddress{0xa0, 0x36, 0x9f, 0x12, 0x34, 0x56}));
-
     // The first two lines are headers, whatever they hold.
-    path = dir.Write("headers.txt", Nic("vmnic2", "0000:19:00.0", "3c:fd:fe:aa:bb:10") +
-                                        Nic("vmnic3", "0000:19:00.1", "3c:fd:fe:aa:bb:11"));
-    EXPECT_TRUE(NetworkContainer::Read(("cat " + path).c_str()).empty());
+    EXPECT_TRUE(
+        NetworkContainer::Read((ListCommand("tail -n +3", "nic-macs.txt") + " | head -2").c_str())
+            .empty());
 }
 
 TEST(HardwareMac, OnlyNamedInterfacesAnswer) {

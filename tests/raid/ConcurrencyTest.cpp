@@ -1,12 +1,10 @@
 // Requests on many threads for many clients, with clients going and snapshots dropped
 // beside them, then a stop. Run under the thread sanitizer too (scripts/sanitize).
 #include <atomic>
-#include <set>
 #include <thread>
 #include <vector>
 
 #include "RaidTestKit.h"
-#include "support/SandboxHost.h"
 
 namespace {
 
@@ -28,13 +26,7 @@ TEST_F(ConcurrencyTest, RequestsDetachesAndStopTogether) {
         threads.emplace_back([&, t] {
             for (int i = 0; i < kRequests; ++i) {
                 const uint32_t* c = codes[(t + i) % std::size(codes)];
-                CommandRecord record;
-                record.SetJson("{\"SIP\":{\"CMD\":[{\"OC\":" + std::to_string(c[0]) + ",\"OE\":" +
-                               std::to_string(c[1]) + ",\"OI\":" + std::to_string(c[2]) +
-                               ",\"CI\":" + std::to_string((t * 7 + i) % kClients) + "}]}}");
-                module.ModuleRequest(&record);
-                uint32_t st = record.GetField("ST", 99);
-                if (st != 0)
+                if (Ask(c[0], c[1], c[2], (t * 7 + i) % kClients)->GetField("ST", 99) != 0)
                     ++unexpected;
             }
         });
@@ -52,8 +44,7 @@ TEST_F(ConcurrencyTest, RequestsDetachesAndStopTogether) {
     requestsDone = true;
     detacher.join();
     EXPECT_EQ(unexpected, 0);
-    EXPECT_EQ(module.Stop(), 1);
-    m_bStarted = false;
+    EXPECT_EQ(StopModule(), 1);
 }
 
 TEST_F(ConcurrencyTest, ServiceThatComesWhileRequestsArrive) {
@@ -65,9 +56,8 @@ TEST_F(ConcurrencyTest, ServiceThatComesWhileRequestsArrive) {
     Daemon().restServerUp = false;
     RaidTimings timings = FastTimings();
     timings.nPollIntervalMs = 50;
-    EM_TLRAID& module = MakeModule(timings, PollingClock(), false);
-    ASSERT_EQ(module.Start(&m_Switch, 0), 1);
-    m_bStarted = true;
+    ASSERT_EQ(StartModule(timings), 1);
+    EM_TLRAID& module = *m_pModule;
 
     // OC, OI and the cabinet (0: the server itself).
     const uint32_t requests[][3] = {{0x2110, 0, 0},   {0x21DF, 0, 0},   {0x0220, 0, 0},
@@ -101,8 +91,7 @@ TEST_F(ConcurrencyTest, ServiceThatComesWhileRequestsArrive) {
     for (auto& t : threads)
         t.join();
     EXPECT_EQ(Answer(0x0220), kCabinetAnswer);
-    EXPECT_EQ(module.Stop(), 1);
-    m_bStarted = false;
+    EXPECT_EQ(StopModule(), 1);
 }
 
 }  // namespace

@@ -8,11 +8,15 @@ using PciScanAtStart = RaidModuleTest;
 
 const char kSasAdapterNamed[] = "\nPCI PARSER device_name = TL RAID HX420";
 
-TEST_F(PciScanAtStart, BetweenDetectionAndTheFirstTree) {
+TEST_F(PciScanAtStart, BetweenDetectionAndTheFirstTreeAndNotWithoutTheService) {
     ScopedTraceLevel trace(5);
+    Daemon().installed = true;
+    EXPECT_EQ(StartModule(), 1);
+    EXPECT_FALSE(Has(Debug.Take(), "PCI PARSER"));
+    StopModule();
+
     ServeSample("demo.xml");
-    EXPECT_EQ(MakeModule(false).Start(&m_Switch, 0), 1);
-    m_bStarted = true;
+    EXPECT_EQ(StartModule(), 1);
     std::string t = Debug.Take();
     size_t detected = t.find("\nEM_TLRAID           : INFO - NOT RunningOnServerStart");
     size_t scanned = t.find(kSasAdapterNamed);
@@ -20,14 +24,6 @@ TEST_F(PciScanAtStart, BetweenDetectionAndTheFirstTree) {
     ASSERT_NE(scanned, std::string::npos) << t;
     EXPECT_LT(detected, scanned);
     EXPECT_LT(scanned, waiting);
-}
-
-TEST_F(PciScanAtStart, NotWithoutTheService) {
-    ScopedTraceLevel trace(5);
-    Daemon().installed = true;
-    EXPECT_EQ(MakeModule(false).Start(&m_Switch, 0), 1);
-    m_bStarted = true;
-    EXPECT_EQ(Debug.Take().find("PCI PARSER"), std::string::npos);
 }
 
 }  // namespace

@@ -6,16 +6,8 @@
 #include <vector>
 
 #include "raid/PollingRules.h"
-#include "support/CaptureTraceServer.h"
 
 namespace {
-
-// The local time of a fake clock that counts from the epoch, as if it were UTC.
-std::tm HourOf(time_t when) {
-    std::tm local{};
-    gmtime_r(&when, &local);
-    return local;
-}
 
 constexpr time_t kHour = 3600;
 
@@ -39,30 +31,6 @@ TEST(SmartClock, SpacingAndHours) {
     EXPECT_EQ(unchanged, last);
 }
 
-TEST(SmartClock, TriggersInTheListedHoursAtLeastAnHourApart) {
-    // Cycles every 15 s from 10:30 for a day and a half.
-    const time_t start = 10 * kHour + 30 * 60;
-    time_t last = start;
-    std::vector<time_t> triggers;
-    for (time_t now = start; now < start + 36 * kHour; now += 15) {
-        if (LookAtSmartClock(now, last, HourOf)) {
-            EXPECT_EQ(last, now);
-            triggers.push_back(now);
-        }
-    }
-    // 11:30:15 (11:30:00 is exactly an hour), 23:00, 11:00 the next day.
-    const std::vector<time_t> expected = {11 * kHour + 30 * 60 + 15, 23 * kHour, 35 * kHour};
-    EXPECT_EQ(triggers, expected);
-}
-
-TEST(SmartClock, AClockSetBackCountsAsWell) {
-    time_t last = 13 * kHour;
-    EXPECT_FALSE(LookAtSmartClock(10 * kHour + 30 * 60, last, HourOf));  // due, but hour 10
-    EXPECT_EQ(last, 13 * kHour);
-    EXPECT_TRUE(LookAtSmartClock(11 * kHour + 30 * 60, last, HourOf));
-    EXPECT_EQ(last, 11 * kHour + 30 * 60);
-}
-
 struct Change {
     std::string key;
     int16_t from, to;
@@ -79,54 +47,13 @@ std::vector<Change> Compare(const MdcProgressMap& previous, const MdcProgressMap
     return changes;
 }
 
-TEST(MdcComparison, AnMdcFromStartToEndClearsAtEveryStep) {
-    // Cycle by cycle, the way the loop keeps its previous map.
-    const std::vector<MdcProgressMap> cycles = {
-        {{"Ctl A0L0", -1}, {"Ctl A0L1", -1}}, {{"Ctl A0L0", 10}, {"Ctl A0L1", -1}},
-        {{"Ctl A0L0", 11}, {"Ctl A0L1", -1}}, {{"Ctl A0L0", 11}, {"Ctl A0L1", -1}},
-        {{"Ctl A0L0", -1}, {"Ctl A0L1", -1}},
-    };
-    MdcProgressMap previous;  // empty in the first cycle: nothing can change
-    std::vector<Change> all;
-    for (const MdcProgressMap& current : cycles) {
-        for (const Change& change : Compare(previous, current))
-            all.push_back(change);
-        previous = current;
-    }
-    const std::vector<Change> expected = {
-        {"Ctl A0L0", -1, 10}, {"Ctl A0L0", 10, 11}, {"Ctl A0L0", 11, -1}};
-    EXPECT_EQ(all, expected);
-}
-
 TEST(MdcComparison, KeysComparedOneByOne) {
     // Several changes in one cycle are several calls, in key order.
     EXPECT_EQ(Compare({{"b A0L1", 5}, {"b A0L0", 1}}, {{"b A0L0", 2}, {"b A0L1", 6}}),
               (std::vector<Change>{{"b A0L0", 1, 2}, {"b A0L1", 5, 6}}));
-    // An adapter gone: the other's keys move to index 0, which is a new key, not a change.
-    EXPECT_TRUE(Compare({{"X A0L0", 5}, {"Y A1L0", 7}}, {{"Y A0L0", 9}}).empty());
     // Drives that come or go are no change either; nor is an empty map.
     EXPECT_TRUE(Compare({{"a A0L0", 5}}, {{"a A0L0", 5}, {"a A0L1", 3}}).empty());
     EXPECT_TRUE(Compare({{"a A0L0", 5}, {"a A0L1", 3}}, {}).empty());
-}
-
-TEST(PollingRules, Trace) {
-    ScopedTraceLevel level(5);
-    Debug.Take();
-    CompareMdcProgress({{"a A0L0", -1}, {"gone A1L0", 3}}, {{"a A0L0", 12}},
-                       [](const std::string&, int16_t, int16_t) {});
-    time_t last = 0;
-    LookAtSmartClock(60, last, HourOf);
-    LookAtSmartClock(11 * kHour, last, HourOf);
-    const std::string tag = "\nEM_TLRAID::StorageDeviceTreePolling - ";
-    EXPECT_EQ(Debug.Take(), tag + "[MDC] Previous status - [-1] 'a A0L0'" + tag +
-                                "[MDC] Current status - [12] 'a A0L0'" + tag +
-                                "[MDC] Status changed! [-1 -> 12] 'a A0L0'" + tag +
-                                "[MDC] Previous status - [3] 'gone A1L0'" + tag +
-                                "[SMART Logs] Errors reported recently, ignore..." + tag +
-                                "[SMART Logs] Check current time '" + AscTime(HourOf(11 * kHour)) +
-                                "'" + tag + "[SMART Logs] Trigger SMART error report at hour 11");
-    // asctime's text ends in a newline, inside the quotes.
-    EXPECT_EQ(AscTime(HourOf(11 * kHour)), "Thu Jan  1 11:00:00 1970\n");
 }
 
 }  // namespace

@@ -5,8 +5,10 @@
 #include <rapidjson/writer.h>
 
 #include <chrono>
+#include <sstream>
 #include <thread>
 
+#include "support/CaptureTraceServer.h"
 #include "support/Process.h"
 #include "support/SandboxHost.h"
 
@@ -15,32 +17,19 @@ void FakeSwitch::Answer(uint32_t oc, const std::string& replyJson) {
     m_Answers[oc] = replyJson;
 }
 
-int FakeSwitch::SendRequest(CIExtensionModule*, CommandRecord* record, uint32_t timeoutMs) {
+int FakeSwitch::SendRequest(CIExtensionModule*, CommandRecord* record, uint32_t) {
     std::lock_guard<std::mutex> lock(m_Mutex);
     m_Requests.push_back(record->ToJson());
-    m_nLastTimeout = timeoutMs;
     auto it = m_Answers.find(record->GetField("OC", 0));
     if (it == m_Answers.end())
         return 0;
     rapidjson::Document reply;
     reply.Parse(it->second.c_str());
     for (const char* name : {"ST", "DA"}) {
-        if (const rapidjson::Value* v = CommandRecord::FindMember(reply, name)) {
+        if (const rapidjson::Value* v = CommandRecord::FindMember(reply, name))
             record->CopyField(name, *v);
-        }
     }
     return 0;
-}
-
-int FakeSwitch::SendEvent(CIExtensionModule*, CommandRecord* record) {
-    std::lock_guard<std::mutex> lock(m_Mutex);
-    m_Events.push_back(record->ToJson());
-    return 0;
-}
-
-std::vector<std::string> FakeSwitch::Events() {
-    std::lock_guard<std::mutex> lock(m_Mutex);
-    return m_Events;
 }
 
 std::vector<std::string> FakeSwitch::Requests() {
@@ -56,6 +45,28 @@ bool WaitUntil(const std::function<bool()>& condition, int capMs) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
+}
+
+bool Has(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+size_t Count(const std::string& text, const std::string& part) {
+    size_t n = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++n;
+    return n;
+}
+
+std::string TraceUntil(const std::string& part, size_t times, int capMs) {
+    std::string seen;
+    WaitUntil(
+        [&] {
+            seen += Debug.Take();
+            return Count(seen, part) >= times;
+        },
+        capMs);
+    return seen;
 }
 
 RaidTimings FastTimings() {
@@ -108,6 +119,17 @@ EM_TLRAID& RaidModuleTest::MakeModule(const RaidTimings& timings, const PollingC
     return *m_pModule;
 }
 
+int RaidModuleTest::StartModule(const RaidTimings& timings) {
+    MakeModule(timings, PollingClock(), false);
+    m_bStarted = true;
+    return m_pModule->Start(&m_Switch, 0);
+}
+
+int RaidModuleTest::StopModule() {
+    m_bStarted = false;
+    return m_pModule->Stop();
+}
+
 std::unique_ptr<CommandRecord> RaidModuleTest::Ask(uint32_t oc, uint32_t oe, uint32_t oi,
                                                    uint32_t ci, const std::string& daJson) {
     auto record = std::make_unique<CommandRecord>();
@@ -124,17 +146,36 @@ std::string RaidModuleTest::Answer(uint32_t oc, uint32_t oe, uint32_t oi, uint32
                                    const std::string& daJson) {
     auto record = Ask(oc, oe, oi, ci, daJson);
     const rapidjson::Value* cmd = record->Command(0);
-    std::string out = "{";
+    rapidjson::Document out(rapidjson::kObjectType);
     for (const char* name : {"ST", "DA"}) {
-        const rapidjson::Value* v = cmd ? CommandRecord::FindMember(*cmd, name) : nullptr;
-        if (!v)
-            continue;
-        rapidjson::StringBuffer buffer;
-        rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
-        v->Accept(writer);
-        if (out.size() > 1)
-            out += ",";
-        out += std::string("\"") + name + "\":" + buffer.GetString();
+        if (const rapidjson::Value* v = cmd ? CommandRecord::FindMember(*cmd, name) : nullptr)
+            out.AddMember(rapidjson::StringRef(name), rapidjson::Value(*v, out.GetAllocator()),
+                          out.GetAllocator());
     }
-    return out + "}";
+    rapidjson::StringBuffer buffer;
+    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+    out.Accept(writer);
+    return buffer.GetString();
+}
+
+void RaidModuleTest::CheckRows(const std::string& file, const std::string& section,
+                               uint32_t client) {
+    std::istringstream rows(ReadWholeFile(SourcePath("tests/raid/testdata/" + file)));
+    bool inSection = false;
+    size_t asked = 0;
+    for (std::string line; std::getline(rows, line);) {
+        if (!line.empty() && line[0] == '[')
+            inSection = line == "[" + section + "]";
+        if (!inSection || line.empty() || line[0] == '#' || line[0] == '[')
+            continue;
+        std::istringstream row(line);
+        std::string oc, da, want;
+        uint32_t oe = 0, oi = 0;
+        row >> oc >> oe >> oi >> da >> std::ws;
+        std::getline(row, want);
+        EXPECT_EQ(Answer(std::stoul(oc, nullptr, 16), oe, oi, client, da == "-" ? "" : da), want)
+            << line;
+        ++asked;
+    }
+    EXPECT_GT(asked, 0u) << section;
 }

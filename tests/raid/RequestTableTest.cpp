@@ -1,177 +1,33 @@
 // Every row of the request table on a tree made for it: the numbers, texts and statuses
 // that a client of the switch gets.
-#include <cstdio>
 #include <cstdlib>
 
 #include "RaidTestKit.h"
 #include "support/CaptureTraceServer.h"
+#include "support/Process.h"
+#include "support/SandboxHost.h"
 
 namespace {
-
-constexpr char kTree[] = R"(<?xml version="1.0"?>
-<amEMTL Version="2">
- <System>
-  <Multiplexer>
-   <Status>Operational</Status><StatusOverall>Warning</StatusOverall>
-   <StatusAdapters>OK</StatusAdapters><StatusDisks>failed</StatusDisks>
-  </Multiplexer>
-  <Adapter Type="SAS" Nr="0" Name="A0" NrOfProperties="6">
-   <Status>Warning</Status><Name>Alpha</Name><Firmware>5.1</Firmware>
-   <PCIBus>24</PCIBus><PCIDevice>0</PCIDevice><PCIFunction>1</PCIFunction><PCISegment>2</PCISegment>
-   <Ports>
-    <Port Type="SAS" Nr="0" NrOfProperties="1"><Name>Port 0</Name>
-     <PhysicalDrive NrOfProperties="5"><Name>D0</Name><Status>Operational</Status><Type>SAS-3</Type>
-      <SerialNumber>S0</SerialNumber><PhysicalSize>4294967297</PhysicalSize></PhysicalDrive>
-     <PhysicalDrive NrOfProperties="4"><Status>Failed SMART Error</Status><Type>SATA</Type>
-      <SerialNumber>S1</SerialNumber><EnclosureNumber>5</EnclosureNumber></PhysicalDrive>
-     <Enclosure Name="E5" NrOfProperties="3"><EnclosureNumber>5</EnclosureNumber><Status>Warning</Status>
-      <Name>Encl5</Name>
-      <PhysicalDrive NrOfProperties="5"><Name>D2</Name><Status>JBOD</Status><Type>NVMe</Type>
-       <SerialNumber>S2</SerialNumber><EnclosureNumber>5</EnclosureNumber></PhysicalDrive>
-     </Enclosure>
-    </Port>
-    <Port Type="SAS" Nr="1" NrOfProperties="0"/>
-   </Ports>
-   <LogicalDrive NrOfProperties="5"><Name>L0</Name><Status>Partially degraded</Status>
-    <RAIDLevel>RAID-5</RAIDLevel><LogicalSize>8589934592</LogicalSize><PhysicalSize>100</PhysicalSize>
-   </LogicalDrive>
-   <LogicalDrive NrOfProperties="1"><Status>Impacted</Status></LogicalDrive>
-   <Battery ComponentStatus="1" NrOfProperties="4"><Name>BBU</Name><Status>Temperature Problem</Status>
-    <AdditionalStatus>Learn Cycle Active</AdditionalStatus>
-    <AdditionalStatus>Learn Cycle Timeout</AdditionalStatus></Battery>
-  </Adapter>
-  <Adapter Type="Fibre" NrOfProperties="2"><Name>Beta</Name><Status>Bogus</Status>
-   <Battery NrOfProperties="1"><Status>Overheated</Status></Battery>
-  </Adapter>
- </System>
-</amEMTL>
-)";
 
 class RequestTableTest : public RaidModuleTest {
   protected:
     void SetUp() override {
-        ServeTree(kTree);
+        ServeTree(ReadWholeFile(SourcePath("tests/raid/testdata/request-table.xml")));
         Daemon().SetUp(true);
         MakeModule(false);
     }
 };
 
-struct Row {
-    uint32_t oc, oe, oi;
-    const char* da;  // request data as JSON, or empty
-    const char* want;
-};
-
-std::string Describe(const Row& r) {
-    char text[96];
-    snprintf(text, sizeof(text), "OC 0x%04X OE %u OI %u DA %s", r.oc, r.oe, r.oi, r.da);
-    return text;
-}
-
 TEST_F(RequestTableTest, AdaptersAndOverallStatus) {
-    const Row rows[] = {
-        {0x2110, 0, 0, "", R"({"ST":0,"DA":2})"},
-        {0x2111, 0, 0, "", R"({"ST":0,"DA":"Alpha"})"},
-        {0x2111, 0, 1, "", R"({"ST":0,"DA":"Beta"})"},
-        {0x2111, 0, 2, "", R"({"ST":19})"},
-        {0x2112, 0, 0, "", R"({"ST":0,"DA":8})"},
-        {0x2112, 0, 1, "", R"({"ST":0,"DA":5})"},
-        {0x2116, 0, 0, "", R"({"ST":0,"DA":1})"},
-        {0x2116, 0, 1, "", R"({"ST":0,"DA":255})"},
-        {0x2117, 0, 0, "", R"({"ST":0,"DA":"TYPE_PCI&BUS_24&DEV_0&FUNC_1&SEG_2"})"},
-        {0x2117, 0, 1, "", R"({"ST":19})"},
-        {0x211D, 0, 0, R"("Firmware")", R"({"ST":0,"DA":"5.1"})"},
-        {0x211D, 0, 0, R"("Nope")", R"({"ST":19,"DA":"Nope"})"},
-        {0x211D, 0, 0, "", R"({"ST":18})"},
-        {0x211D, 0, 0, R"("")", R"({"ST":18,"DA":""})"},
-        {0x211D, 0, 9, R"("Name")", R"({"ST":19,"DA":"Name"})"},
-        {0x2120, 0, 0, "", R"({"ST":0,"DA":2})"},
-        {0x2121, 0, 0, "", R"({"ST":0,"DA":1})"},
-        {0x2122, 0, 0, "", R"({"ST":0,"DA":0})"},
-        {0x2123, 0, 0, "", R"({"ST":0,"DA":3})"},
-        {0x2125, 0, 0, "", R"({"ST":0,"DA":1})"},
-        // The disks failed and aren't replaceable by the customer: 0.
-        {0x212A, 0, 0, "", R"({"ST":0,"DA":0})"},
-    };
-    for (const Row& r : rows)
-        EXPECT_EQ(Answer(r.oc, r.oe, r.oi, 1, r.da), r.want) << Describe(r);
+    CheckRows("request-table.rows", "AdaptersAndOverallStatus");
 }
 
 TEST_F(RequestTableTest, PhysicalDrives) {
-    const Row rows[] = {
-        {0x2130, 0, 0, "", R"({"ST":0,"DA":3})"},
-        {0x2130, 1, 0, "", R"({"ST":0,"DA":0})"},
-        {0x2130, 2, 0, "", R"({"ST":19})"},
-        {0x2131, 0, 0, "", R"({"ST":0,"DA":0})"},
-        {0x2131, 0, 1, "", R"({"ST":0,"DA":11})"},
-        {0x2131, 0, 2, "", R"({"ST":0,"DA":9})"},
-        {0x2131, 0, 3, "", R"({"ST":2})"},
-        {0x2131, 5, 0, "", R"({"ST":19})"},
-        {0x2132, 0, 0, "", R"({"ST":0,"DA":0})"},
-        {0x2132, 0, 1, "", R"({"ST":0,"DA":1})"},
-        {0x2133, 0, 0, "", R"({"ST":0,"DA":"D0"})"},
-        {0x2133, 0, 1, "", R"({"ST":0,"DA":""})"},
-        {0x2134, 0, 0, "", R"({"ST":0,"DA":8})"},
-        {0x2134, 0, 1, "", R"({"ST":0,"DA":7})"},
-        {0x2134, 0, 2, "", R"({"ST":0,"DA":15})"},
-        {0x2135, 0, 0, "", R"({"ST":0,"DA":1})"},
-        {0x2135, 0, 1, "", R"({"ST":19})"},
-        {0x2136, 0, 0, "", R"({"ST":0,"DA":1})"},
-        {0x2136, 0, 1, "", R"({"ST":0,"DA":0})"},
-        {0x2137, 0, 0, "", R"({"ST":0,"DA":0})"},
-        {0x2137, 0, 1, "", R"({"ST":0,"DA":255})"},
-        {0x2137, 0, 2, "", R"({"ST":0,"DA":9})"},
-        {0x213B, 0, 1, "", R"({"ST":0,"DA":0})"},
-        {0x213B, 0, 0, "", R"({"ST":19})"},
-        {0x213C, 0, 2, "", R"({"ST":0,"DA":2})"},
-        {0x213D, 0, 0, R"("SerialNumber")", R"({"ST":0,"DA":"S0"})"},
-        {0x213D, 0, 0, R"("Missing")", R"({"ST":19,"DA":"Missing"})"},
-        {0x213D, 0, 7, R"("Name")", R"({"ST":2,"DA":"Name"})"},
-        {0x213D, 0, 7, "", R"({"ST":18})"},
-    };
-    for (const Row& r : rows)
-        EXPECT_EQ(Answer(r.oc, r.oe, r.oi, 1, r.da), r.want) << Describe(r);
+    CheckRows("request-table.rows", "PhysicalDrives");
 }
 
 TEST_F(RequestTableTest, LogicalDrivesBatteriesPortsEnclosures) {
-    const Row rows[] = {
-        {0x2150, 0, 0, "", R"({"ST":0,"DA":2})"},
-        {0x2150, 1, 0, "", R"({"ST":0,"DA":0})"},
-        {0x2151, 0, 0, "", R"({"ST":0,"DA":2})"},
-        {0x2151, 0, 1, "", R"({"ST":0,"DA":4})"},
-        {0x2151, 0, 2, "", R"({"ST":2})"},
-        {0x2152, 0, 0, "", R"({"ST":0,"DA":"L0"})"},
-        {0x2152, 0, 1, "", R"({"ST":0,"DA":""})"},
-        {0x2153, 0, 0, "", R"({"ST":0,"DA":8589934592})"},
-        {0x2153, 0, 1, "", R"({"ST":19})"},
-        {0x2154, 0, 0, "", R"({"ST":0,"DA":100})"},
-        {0x2155, 0, 0, "", R"({"ST":0,"DA":"RAID-5"})"},
-        {0x2155, 0, 1, "", R"({"ST":19})"},
-        {0x215D, 0, 0, R"("RAIDLevel")", R"({"ST":0,"DA":"RAID-5"})"},
-        {0x2160, 0, 0, "", R"({"ST":0,"DA":1})"},
-        {0x2161, 0, 0, "", R"({"ST":0,"DA":"BBU"})"},
-        {0x2161, 0, 1, "", R"({"ST":2})"},
-        {0x2162, 0, 0, "", R"({"ST":0,"DA":8})"},
-        {0x2162, 1, 0, "", R"({"ST":0,"DA":0})"},
-        {0x2163, 0, 0, "", R"({"ST":0,"DA":4})"},
-        {0x2163, 1, 0, "", R"({"ST":19})"},
-        {0x216D, 0, 0, R"("Status")", R"({"ST":0,"DA":"Temperature Problem"})"},
-        {0x2180, 0, 0, "", R"({"ST":0,"DA":2})"},
-        {0x2180, 1, 0, "", R"({"ST":0,"DA":0})"},
-        {0x2181, 0, 0, "", R"({"ST":0,"DA":"Port 0"})"},
-        {0x2181, 0, 1, "", R"({"ST":0,"DA":""})"},
-        {0x2181, 0, 2, "", R"({"ST":2})"},
-        {0x2182, 0, 0, "", R"({"ST":1})"},
-        {0x218D, 0, 0, R"("Name")", R"({"ST":0,"DA":"Port 0"})"},
-        {0x2190, 0, 0, "", R"({"ST":0,"DA":1})"},
-        {0x2191, 0, 0, "", R"({"ST":0,"DA":"Encl5"})"},
-        {0x2192, 0, 0, "", R"({"ST":0,"DA":2})"},
-        {0x219C, 0, 0, "", R"({"ST":0,"DA":0})"},
-        {0x219D, 0, 0, R"("EnclosureNumber")", R"({"ST":0,"DA":"5"})"},
-        {0x219D, 0, 1, R"("EnclosureNumber")", R"({"ST":2,"DA":"EnclosureNumber"})"},
-    };
-    for (const Row& r : rows)
-        EXPECT_EQ(Answer(r.oc, r.oe, r.oi, 1, r.da), r.want) << Describe(r);
+    CheckRows("request-table.rows", "LogicalDrivesBatteriesPortsEnclosures");
 }
 
 // Adapter and overall statuses at their failed end, and the SMART state of all drives,
@@ -221,16 +77,9 @@ TEST_F(RequestTableTest, FailedStatusesAndSmartAcrossAdapters) {
     }
 }
 
-// Enclosures past the first of an adapter, numbered from 0 in each adapter.
 TEST_F(RequestTableTest, EnclosuresOfSeveralAdapters) {
     ServeTree(SampleTree("two-adapters-enclosures.xml"));
-    const Row rows[] = {
-        {0x2190, 0, 0, "", R"({"ST":0,"DA":2})"}, {0x219C, 0, 0, "", R"({"ST":0,"DA":0})"},
-        {0x219C, 0, 1, "", R"({"ST":0,"DA":1})"}, {0x219C, 1, 1, "", R"({"ST":0,"DA":1})"},
-        {0x219C, 0, 2, "", R"({"ST":2})"},
-    };
-    for (const Row& r : rows)
-        EXPECT_EQ(Answer(r.oc, r.oe, r.oi, 2, r.da), r.want) << Describe(r);
+    CheckRows("request-table.rows", "EnclosuresOfSeveralAdapters", 2);
 }
 
 TEST_F(RequestTableTest, CodesWithoutRowsAnswerUnknownAndReturnZero) {
@@ -259,10 +108,7 @@ TEST_F(RequestTableTest, VersionComesFromTheEnvironment) {
     EXPECT_EQ(Answer(0x0C00, 0xAA03), R"({"ST":19})");
     unsetenv("TL_RAID_VERSION");
     EXPECT_EQ(Answer(0x0C00, 0xAA03), R"({"ST":19})");
-    std::string t = Debug.Take();
-    EXPECT_NE(t.find("\nCOsInfo             :    GetTessalineRaidVersion: 7.2.1\n"),
-              std::string::npos);
-    EXPECT_NE(t.find("GetTessalineRaidVersion: N/A\n"), std::string::npos);
+    EXPECT_TRUE(Has(Debug.Take(), "\nCOsInfo             :    GetTessalineRaidVersion: N/A\n"));
 }
 
 TEST_F(RequestTableTest, RecordsForAnotherCabinetAreNotReadHere) {
@@ -276,13 +122,11 @@ TEST_F(RequestTableTest, RecordsForAnotherCabinetAreNotReadHere) {
 TEST_F(RequestTableTest, RequestsAreTracedInAndOut) {
     ScopedTraceLevel trace(2);
     Answer(0x2110, 0, 0, 7);
-    std::string t = Debug.Take();
-    EXPECT_NE(
-        t.find("\nEM_TLRAID (REQ)     : OC 0x2110-0x0000 OID 0x0000 MID 0x00000000 Stat 0x16"),
-        std::string::npos);
-    EXPECT_NE(t.find("\nEM_TLRAID (RET)     : OC 0x2110-0x0000 OID 0x0000 MID 0x00000000 Stat 0x00 "
-                     "Data 2"),
-              std::string::npos);
+    const std::string t = Debug.Take();
+    EXPECT_TRUE(
+        Has(t, "\nEM_TLRAID (REQ)     : OC 0x2110-0x0000 OID 0x0000 MID 0x00000000 Stat 0x16"));
+    EXPECT_TRUE(Has(
+        t, "\nEM_TLRAID (RET)     : OC 0x2110-0x0000 OID 0x0000 MID 0x00000000 Stat 0x00 Data 2"));
 }
 
 }  // namespace

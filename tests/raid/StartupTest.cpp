@@ -2,7 +2,6 @@
 // valid tree, the wait thread and the polling thread.
 #include <algorithm>
 #include <chrono>
-#include <thread>
 
 #include "RaidTestKit.h"
 #include "frame/ExtensionModule.h"
@@ -12,42 +11,14 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-bool Has(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
-size_t Count(const std::string& text, const std::string& part) {
-    size_t n = 0;
-    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
-        ++n;
-    return n;
-}
-
-// Polls the trace until the text shows up or the time is over; gives all that was traced.
-std::string TraceUntil(const std::string& part, int timeoutMs) {
-    std::string seen;
-    auto end = Clock::now() + std::chrono::milliseconds(timeoutMs);
-    while (Clock::now() < end) {
-        seen += Debug.Take();
-        if (Has(seen, part))
-            break;
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    return seen;
-}
-
 using StartupTest = RaidModuleTest;
 
 TEST_F(StartupTest, ServiceUpGivesTheFirstTreeAndStartsPolling) {
     ScopedTraceLevel trace(5);
     ServeSample("demo.xml");
-    EM_TLRAID& module = MakeModule(false);
-    EXPECT_EQ(module.Start(&m_Switch, 0), 1);
+    EXPECT_EQ(StartModule(), 1);
     std::string t = Debug.Take();
-    EXPECT_TRUE(Has(t, "\nCOsInfo             : TessalineRaid is installed"));
     EXPECT_TRUE(Has(t, "\nEM_TLRAID           : DetectTLRaid, TL RAID service is  started!"));
-    EXPECT_TRUE(Has(t, "\nEM_TLRAID           : INFO - NOT RunningOnServerStart"));
-    EXPECT_TRUE(Has(t, "\nEM_TLRAID           : Got valid TLRAID response"));
     EXPECT_TRUE(Has(t, "Qualifier = (_StorageDeviceTreePollingThread)"));
     EXPECT_TRUE(Has(t, "\n\n### Start of module EM_TLRAID completed successfully ###"));
     // The probe, then a tree for the first valid response and one for the polling thread's
@@ -55,20 +26,16 @@ TEST_F(StartupTest, ServiceUpGivesTheFirstTreeAndStartsPolling) {
     EXPECT_EQ(Daemon().probes, 1u);
     EXPECT_EQ(Daemon().WaitForFetches(2), 2u);
 
-    EXPECT_EQ(module.Stop(), 1);
+    EXPECT_EQ(StopModule(), 1);
     t = Debug.Take();
     EXPECT_TRUE(Has(t, "\nEM_TLRAID::StorageDeviceTreePolling - Thread TERMINATED ***"));
     EXPECT_TRUE(Has(t, "\n\n### Stop of module EM_TLRAID completed successfully ###"));
-    m_bStarted = false;
 }
 
 TEST_F(StartupTest, NotInstalledStaysIdle) {
     ScopedTraceLevel trace(2);
-    EM_TLRAID& module = MakeModule(false);
-    EXPECT_EQ(module.Start(&m_Switch, 0), 0);
-    m_bStarted = true;
+    EXPECT_EQ(StartModule(), 0);
     std::string t = Debug.Take();
-    EXPECT_TRUE(Has(t, "\nCOsInfo             : TessalineRaid is NOT installed"));
     EXPECT_TRUE(Has(t, "\nEM_TLRAID           : Tessaline RAID not installed!"));
     EXPECT_TRUE(Has(t, "completed with ERRORS! ###"));
     EXPECT_FALSE(Has(t, "CThread::Start"));
@@ -79,9 +46,7 @@ TEST_F(StartupTest, WaitThreadFindsTheServiceWhenItComes) {
     ScopedTraceLevel trace(3);
     ServeTree(SampleTree("demo.xml"));
     Daemon().installed = true;
-    EM_TLRAID& module = MakeModule(false);
-    EXPECT_EQ(module.Start(&m_Switch, 0), 1);
-    m_bStarted = true;
+    EXPECT_EQ(StartModule(), 1);
     std::string t = Debug.Take();
     EXPECT_TRUE(Has(t, "DetectTLRaid, TL RAID service is NOT started!"));
     EXPECT_TRUE(Has(t, "Qualifier = (_WaitForTLRaidStartThread)"));
@@ -91,7 +56,7 @@ TEST_F(StartupTest, WaitThreadFindsTheServiceWhenItComes) {
 
     Daemon().running = true;
     Daemon().restServerUp = true;
-    t = TraceUntil("StorageDeviceTreePolling - Thread started.", 60000);
+    t = TraceUntil("StorageDeviceTreePolling - Thread started.");
     EXPECT_TRUE(Has(t, "WaitForTLRaidStart_Thread TLRAID service running"));
     EXPECT_TRUE(Has(t, "Got valid TLRAID response"));
     EXPECT_EQ(Answer(0x2110), "{\"ST\":0,\"DA\":2}");
@@ -111,17 +76,14 @@ TEST_F(StartupTest, ServiceWithoutItsRestServerCountsATry) {
 TEST_F(StartupTest, TreeThatStaysInvalidIsAskedForEveryTry) {
     ScopedTraceLevel trace(2);
     ServeSample("mux-not-operational.xml");
-    EM_TLRAID& module = MakeModule(false);
-    EXPECT_EQ(module.Start(&m_Switch, 0), 0);
-    m_bStarted = true;
+    EXPECT_EQ(StartModule(), 0);
     std::string t = Debug.Take();
     EXPECT_EQ(Count(t, "Got invalid TLRAID response"), 5u);
     // The five tries, and the polling thread's first cycle.
     EXPECT_EQ(Daemon().WaitForFetches(5u + 1u), 5u + 1u);
     // The polling thread runs all the same.
-    if (!Has(t, "StorageDeviceTreePolling - Thread started."))
-        t += TraceUntil("StorageDeviceTreePolling - Thread started.", 60000);
-    EXPECT_TRUE(Has(t, "StorageDeviceTreePolling - Thread started."));
+    const char kPolling[] = "StorageDeviceTreePolling - Thread started.";
+    EXPECT_TRUE(Has(t, kPolling) || Has(TraceUntil(kPolling), kPolling));
 }
 
 TEST_F(StartupTest, FailedRequestEndsTheFirstWaitAtOnce) {
@@ -148,28 +110,16 @@ TEST_F(StartupTest, ShutdownBeforeStartMakesDetectionGiveUp) {
 
 TEST_F(StartupTest, EveryRoadToTheDaemonHasItsOwnTimeOut) {
     // The shipped waits and tries.
-    const RaidTimings shipped;
-    const uint32_t values[] = {shipped.nStartDetectWaitMs,
-                               shipped.nStartDetectTries,
-                               shipped.nThreadDetectWaitMs,
-                               shipped.nThreadDetectTries,
-                               shipped.nProbeTimeoutSec,
-                               shipped.nInitTries,
-                               shipped.nInitWaitMs,
-                               shipped.nInitTimeoutSec,
-                               shipped.nStopPollEndedWaitMs,
-                               shipped.nStopWaitMs,
-                               shipped.nSnapshotTries,
-                               shipped.nSnapshotTimeoutSec,
-                               shipped.nSnapshotRetrySleepSec,
-                               shipped.nSwitchRequestTimeoutMs,
-                               shipped.nSwitchStartedTreeTimeoutSec,
-                               shipped.nPollIntervalMs,
-                               shipped.nPollTimeoutSec,
-                               shipped.nRequestTreeTimeoutSec};
-    const std::vector<uint32_t> expected = {15000, 10, 10000, 10, 10,   180, 1000,  30, 10000,
-                                            10000, 10, 8,     1,  5000, 30,  15000, 5,  5};
-    EXPECT_EQ(std::vector<uint32_t>(std::begin(values), std::end(values)), expected);
+    const RaidTimings s;
+    EXPECT_EQ(
+        (std::vector<uint32_t>{
+            s.nStartDetectWaitMs, s.nStartDetectTries, s.nThreadDetectWaitMs, s.nThreadDetectTries,
+            s.nProbeTimeoutSec, s.nInitTries, s.nInitWaitMs, s.nInitTimeoutSec,
+            s.nStopPollEndedWaitMs, s.nStopWaitMs, s.nSnapshotTries, s.nSnapshotTimeoutSec,
+            s.nSnapshotRetrySleepSec, s.nSwitchRequestTimeoutMs, s.nSwitchStartedTreeTimeoutSec,
+            s.nPollIntervalMs, s.nPollTimeoutSec, s.nRequestTreeTimeoutSec}),
+        (std::vector<uint32_t>{15000, 10, 10000, 10, 10, 180, 1000, 30, 10000, 10000, 10, 8, 1,
+                               5000, 30, 15000, 5, 5}));
 
     // Each road with a time-out of its own, to tell them apart.
     RaidTimings timings = FastTimings();
@@ -193,12 +143,11 @@ TEST_F(StartupTest, EveryRoadToTheDaemonHasItsOwnTimeOut) {
 }
 
 TEST_F(StartupTest, StopWaitsItsFullTimeEvenWithoutAService) {
-    EM_TLRAID& module = MakeModule(false);
-    module.Start(&m_Switch, 0);
+    StartModule();
     auto begin = Clock::now();
-    EXPECT_EQ(module.Stop(), 1);
+    EXPECT_EQ(StopModule(), 1);
     EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(50));
-    EXPECT_TRUE(module.IsTerminating());
+    EXPECT_TRUE(m_pModule->IsTerminating());
 }
 
 }  // namespace

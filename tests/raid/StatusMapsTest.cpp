@@ -33,25 +33,4 @@ TEST(StatusMapsTest, ExtendedStatusKeepsPlainCodesAndMarksSmartOnes) {
         EXPECT_EQ(status_map::DriveExtendedStatus(r.code), r.want) << r.code;
 }
 
-TEST(StatusMapsTest, SmallMaps) {
-    EXPECT_EQ(status_map::ThreeWay(0), 1);
-    EXPECT_EQ(status_map::ThreeWay(2), 3);
-    EXPECT_EQ(status_map::ThreeWay(-1), 0);
-    EXPECT_EQ(status_map::ThreeWay(3), 0);
-    const uint8_t types[] = {0, 7, 8, 15, 13};
-    for (int t = 0; t < 5; ++t)
-        EXPECT_EQ(status_map::DriveType(t), types[t]);
-    EXPECT_EQ(status_map::DriveType(-1), 255);
-    EXPECT_EQ(status_map::DriveType(5), 255);
-    for (int b = 0; b <= 6; ++b)
-        EXPECT_EQ(status_map::BatteryStatus(b), b);
-    EXPECT_EQ(status_map::BatteryStatus(7), 8);
-    EXPECT_EQ(status_map::BatteryStatus(8), 255);
-    EXPECT_EQ(status_map::BatteryStatus(-1), 255);
-    const uint8_t cycles[] = {1, 2, 4, 3};
-    for (int c = 1; c <= 4; ++c)
-        EXPECT_EQ(status_map::LearnCycle(c), cycles[c - 1]);
-    EXPECT_EQ(status_map::LearnCycle(-1), 255);
-}
-
 }  // namespace

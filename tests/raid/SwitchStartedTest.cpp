@@ -1,8 +1,6 @@
 // The switch's answers about customer replaceable parts, and the answer of
 // CM_RaidStatusCustomerReplaceable that they decide.
 #include "RaidTestKit.h"
-#include "frame/CabinetNumber.h"
-#include "support/CaptureTraceServer.h"
 
 namespace {
 
@@ -53,20 +51,8 @@ TEST_F(SwitchStartedTest, AnswerCountsByStatusAndData) {
         EXPECT_EQ(module.IsCssHdd(), row.flag) << row.reply;
         EXPECT_EQ(module.IsCssBbu(), row.flag) << row.reply;
         EXPECT_EQ(module.AreTestRequestsEnabled(), row.flag) << row.reply;
-        module.Stop();
-        m_bStarted = false;
+        StopModule();
     }
-}
-
-TEST_F(SwitchStartedTest, QuestionsCarryTheCabinetAndNoStatus) {
-    g_nCabinetNumber = 3;
-    Started(1, "", "");
-    std::vector<std::string> asked = m_pSwitch->Requests();
-    ASSERT_EQ(asked.size(), 2u);
-    EXPECT_EQ(asked[0], R"({"SIP":{"V":1,"CMD":[{"OC":8467,"CA":3}]}})");
-    EXPECT_EQ(asked[1], R"({"SIP":{"V":1,"CMD":[{"OC":8468,"CA":3}]}})");
-    EXPECT_EQ(m_pSwitch->LastTimeout(), 5000u);
-    g_nCabinetNumber = 0;
 }
 
 TEST_F(SwitchStartedTest, AgentlessHostsAskOnlyAboutBatteries) {
@@ -77,8 +63,7 @@ TEST_F(SwitchStartedTest, AgentlessHostsAskOnlyAboutBatteries) {
         EXPECT_NE(asked[0].find("\"OC\":8468"), std::string::npos);
         EXPECT_FALSE(module.IsCssHdd());
         EXPECT_TRUE(module.AreTestRequestsEnabled());
-        module.Stop();
-        m_bStarted = false;
+        StopModule();
     }
 }
 
@@ -90,17 +75,13 @@ TEST_F(SwitchStartedTest, CustomerReplaceableAnswerFollowsTheFlagsAndTheTree) {
         const char* bbu;
         const char* want;
     } rows[] = {
-        // Failed disks that the customer may replace: 1.
+        // Failed or warning disks or batteries answer whether the customer may replace them;
+        // healthy parts answer 1 only when both kinds are replaceable.
         {"Failed", 0, R"({"ST":0,"DA":1})", R"({"ST":0,"DA":0})", R"({"ST":0,"DA":1})"},
-        // Failed disks the customer may not replace: 0.
         {"Failed", 0, R"({"ST":0,"DA":0})", R"({"ST":0,"DA":1})", R"({"ST":0,"DA":0})"},
-        // A failed battery the customer may not replace: 0, whatever the disks say.
         {"OK", 3, R"({"ST":0,"DA":1})", R"({"ST":0,"DA":0})", R"({"ST":0,"DA":0})"},
-        // A battery in warning counts as well as a failed one.
         {"OK", 2, R"({"ST":0,"DA":1})", R"({"ST":0,"DA":0})", R"({"ST":0,"DA":0})"},
-        // Disks in warning the customer may not replace: 0, as for failed ones.
         {"Warning", 1, R"({"ST":0,"DA":0})", R"({"ST":0,"DA":0})", R"({"ST":0,"DA":0})"},
-        // Healthy disks that aren't replaceable and a replaceable battery: 0 all the same.
         {"OK", 1, R"({"ST":0,"DA":0})", R"({"ST":0,"DA":1})", R"({"ST":0,"DA":0})"},
         {"OK", 1, R"({"ST":0,"DA":1})", R"({"ST":0,"DA":1})", R"({"ST":0,"DA":1})"},
     };
@@ -110,22 +91,8 @@ TEST_F(SwitchStartedTest, CustomerReplaceableAnswerFollowsTheFlagsAndTheTree) {
         Started(1, row.hdd, row.bbu);
         EXPECT_EQ(Answer(kCustomerReplaceable, 0, 0, 1), row.want)
             << row.disks << " " << row.battery << " " << row.hdd << " " << row.bbu;
-        m_pModule->Stop();
-        m_bStarted = false;
+        StopModule();
     }
-}
-
-// The overall values behind the answer, as its trace tells them: disks in warning are 2,
-// a battery in warning 2.
-TEST_F(SwitchStartedTest, CustomerReplaceableTracesTheOverallValues) {
-    ServeSample("demo.xml");
-    ServeTree(Tree("Warning", 2));
-    Started(1, R"({"ST":0,"DA":0})", R"({"ST":0,"DA":0})");
-    ScopedTraceLevel trace(3);
-    EXPECT_EQ(Answer(kCustomerReplaceable, 0, 0, 1), R"({"ST":0,"DA":0})");
-    std::string t = Debug.Take();
-    EXPECT_NE(t.find("m_bCSS_HDD = 0, Physical driver overal status = 2"), std::string::npos);
-    EXPECT_NE(t.find("m_bCSS_BBU = 0, Battery Backup Unit overall status = 2"), std::string::npos);
 }
 
 TEST_F(SwitchStartedTest, WithTheServiceDownItStillEnds) {
