@@ -10,6 +10,7 @@
 
 #include "inventory/PciConfigList.h"
 #include "inventory/PciParser.h"
+#include "inventory/SystemAdapter.h"
 #include "support/Process.h"
 #include "support/SandboxHost.h"
 #include "support/TempDir.h"
@@ -200,6 +201,26 @@ TEST_F(PciList, ASecondScanAddsAndOverwrites) {
     PciSlotInfo found;
     EXPECT_TRUE(m_pList->Find(PciAddress{0, 0x19, 0, 0}, found));
     EXPECT_FALSE(m_pList->GetEntry(2, found));
+}
+
+TEST_F(PciList, OnlyDevicesWithBothIdsBecomeSystemAdapters) {
+    PciRecordValues usable, noDevice, vendorZero, deviceZero;
+    noDevice.nBus = 0x19;
+    noDevice.nVendorId = 0xFFFF;
+    vendorZero.nBus = 0x1A;
+    vendorZero.nVendorId = 0;
+    deviceZero.nBus = 0x1B;
+    deviceZero.nDeviceId = 0;
+    Scan(PciRecordText(usable) + PciRecordText(noDevice) + PciRecordText(vendorZero) +
+         PciRecordText(deviceZero));
+    ASSERT_EQ(m_pList->GetCount(), 4u);
+    std::vector<CSystemAdapter> adapters;
+    SystemAdapterSources sources;
+    sources.pszNicSnapshotCommand = "true";
+    sources.pszPciDevices = "/nonexistent";
+    ASSERT_TRUE(ScanSystemAdapters(adapters, *m_pList, nullptr, sources));
+    ASSERT_EQ(adapters.size(), 1u);
+    EXPECT_EQ(adapters[0].m_sHardwareId, "PCI\\VEN_1000&DEV_10e2&SUBSYS_00001234&REV_02");
 }
 
 TEST(PciListCommand, AMissingCommandStillStartsTheShell) {
