@@ -1,23 +1,16 @@
 #include "support/FakeRaidDaemon.h"
 
-#include <algorithm>
 #include <chrono>
 
-void FakeRaidDaemon::ServeInTurn(std::vector<Reply> replies) {
+void FakeRaidDaemon::Serve(const std::string& xml) {
     std::lock_guard<std::mutex> lock(m_Mutex);
-    m_Replies = replies.empty() ? std::vector<Reply>{Reply()} : std::move(replies);
-    m_nNext = 0;
+    m_bServing = true;
+    m_sTree = xml;
 }
 
-void FakeRaidDaemon::Hold() {
+void FakeRaidDaemon::Fail() {
     std::lock_guard<std::mutex> lock(m_Mutex);
-    m_bHeld = true;
-}
-
-void FakeRaidDaemon::Release() {
-    std::lock_guard<std::mutex> lock(m_Mutex);
-    m_bHeld = false;
-    m_Changed.notify_all();
+    m_bServing = false;
 }
 
 void FakeRaidDaemon::SetRedfishReply(const std::string& reply) {
@@ -42,41 +35,26 @@ std::vector<std::string> FakeRaidDaemon::RedfishBodies() {
 
 size_t FakeRaidDaemon::WaitForFetches(size_t count, int capMs) {
     std::unique_lock<std::mutex> lock(m_Mutex);
-    m_Changed.wait_for(lock, std::chrono::milliseconds(capMs), [&] { return m_nFetches >= count; });
+    m_Fetched.wait_for(lock, std::chrono::milliseconds(capMs), [&] { return m_nFetches >= count; });
     return m_nFetches;
-}
-
-bool FakeRaidDaemon::WaitForHeldFetch(int capMs) {
-    std::unique_lock<std::mutex> lock(m_Mutex);
-    return m_Changed.wait_for(lock, std::chrono::milliseconds(capMs),
-                              [&] { return m_nHeldWaiting > 0; });
 }
 
 bool FakeRaidDaemon::ProbeRestServer(uint32_t timeoutSec) {
     ++probes;
     std::lock_guard<std::mutex> lock(m_Mutex);
     m_Calls.push_back("probe " + std::to_string(timeoutSec));
-    return restServerUp && Current().bOk;
+    return restServerUp && m_bServing;
 }
 
 bool FakeRaidDaemon::FetchTree(std::string& xml, uint32_t timeoutSec) {
-    std::unique_lock<std::mutex> lock(m_Mutex);
-    if (m_bHeld) {
-        ++m_nHeldWaiting;
-        m_Changed.notify_all();
-        m_Changed.wait(lock, [&] { return !m_bHeld; });
-        --m_nHeldWaiting;
-    }
+    std::lock_guard<std::mutex> lock(m_Mutex);
     ++m_nFetches;
     m_Calls.push_back("fetch " + std::to_string(timeoutSec));
-    m_Changed.notify_all();
-    if (!restServerUp)
+    m_Fetched.notify_all();
+    if (!restServerUp || !m_bServing)
         return false;
-    const Reply reply = Current();
-    m_nNext = std::min(m_nNext + 1, m_Replies.size());
-    if (reply.bOk)
-        xml = reply.sXml;
-    return reply.bOk;
+    xml = m_sTree;
+    return true;
 }
 
 bool FakeRaidDaemon::PostRedfish(const std::string& body, std::string& reply, uint32_t timeoutSec) {

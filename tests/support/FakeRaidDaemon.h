@@ -9,18 +9,11 @@
 
 #include "rest/RaidDaemon.h"
 
-// A RAID manager that lives in memory: it serves the trees it is given, fails as it is told,
-// holds fetches back while the test wants a slow daemon, and counts what it was asked.
+// A RAID manager that lives in memory: it serves the tree it is given or fails as it is told,
+// and counts what it was asked. Every way the real daemon fails (no process, login refused,
+// time-out, a reply without "SDT") reaches the module as a failed fetch.
 class FakeRaidDaemon : public CIRaidDaemon {
   public:
-    // What one tree fetch gets. Every way the real daemon fails (no process, login refused,
-    // time-out, a reply without "SDT") reaches the module as a failed fetch.
-    struct Reply {
-        bool bOk = false;
-        std::string sXml;
-    };
-    static Reply Tree(const std::string& xml) { return {true, xml}; }
-
     // The manager installed, its service running and its REST daemon up, or none of these.
     void SetUp(bool up) { installed = running = restServerUp = up; }
     std::atomic<bool> installed{false};
@@ -28,13 +21,8 @@ class FakeRaidDaemon : public CIRaidDaemon {
     std::atomic<bool> restServerUp{false};
 
     // Every fetch from now on gets this tree, or fails.
-    void Serve(const std::string& xml) { ServeInTurn({Tree(xml)}); }
-    void Fail() { ServeInTurn({Reply()}); }
-    // The next fetches get these replies in turn; the last one stays.
-    void ServeInTurn(std::vector<Reply> replies);
-    // While held, fetches wait for Release: a daemon that is slow to answer.
-    void Hold();
-    void Release();
+    void Serve(const std::string& xml);
+    void Fail();
     void SetRedfishReply(const std::string& reply);
 
     std::atomic<size_t> probes{0};
@@ -44,8 +32,6 @@ class FakeRaidDaemon : public CIRaidDaemon {
     std::vector<std::string> RedfishBodies();
     // Waits until the daemon has had this many fetches or the cap is over; gives the count.
     size_t WaitForFetches(size_t count, int capMs = 60000);
-    // Waits until a fetch is held back; false when none came within the cap.
-    bool WaitForHeldFetch(int capMs = 60000);
 
     bool IsInstalled() override { return installed; }
     bool IsServiceRunning() override { return running; }
@@ -54,14 +40,10 @@ class FakeRaidDaemon : public CIRaidDaemon {
     bool PostRedfish(const std::string& body, std::string& reply, uint32_t timeoutSec) override;
 
   private:
-    const Reply& Current() const { return m_Replies[std::min(m_nNext, m_Replies.size() - 1)]; }
-
     std::mutex m_Mutex;
-    std::condition_variable m_Changed;
-    bool m_bHeld = false;
-    size_t m_nHeldWaiting = 0;
-    std::vector<Reply> m_Replies{Reply()};
-    size_t m_nNext = 0;
+    std::condition_variable m_Fetched;
+    bool m_bServing = false;
+    std::string m_sTree;
     size_t m_nFetches = 0;
     std::vector<std::string> m_Calls;
     std::string m_sRedfishReply;
