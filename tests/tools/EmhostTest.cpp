@@ -56,6 +56,12 @@ TEST(EmhostTest, ErrorsAndRecordsLineByLine) {
              R"({"ret":0,"record":{"SIP":{"V":1,"CMD":[{"OC":9,"CI":7,"DA":{"x":[1]},"ST":1}]}}})"},
             {R"({"host":"request","index":1,"record":{"SIP":{"CMD":[{"OC":9}]}}})",
              R"({"ret":0,"record":{"SIP":{"CMD":[{"OC":9},{"ST":1}]}}})"},
+            // Bytes of the answer that are no UTF-8 come back escaped, valid text unchanged.
+            {"{\"SIP\":{\"CMD\":[{\"OC\":9,\"DA\":\"\\u00e9\xc3\xa9\xff\xe2\x82x"
+             "\xc0\xaf\xed\xa0\x80\"}]}}",
+             R"({"ret":0,"record":{"SIP":{"CMD":[{"OC":9,"DA":")"
+             "\xc3\xa9\xc3\xa9"
+             R"(\udcff\udce2\udc82x\udcc0\udcaf\udced\udca0\udc80","ST":1}]}}})"},
             {R"({"host":"request","record":5})",
              R"({"error":"member \"record\" must be a JSON object"})"},
             {R"({"host":"sleep","ms":1})", R"({"host":"sleep","ret":0})"},
