@@ -21,6 +21,9 @@ bool CTLRaidData::IsValid(CXmlDoc& doc) {
     bool bWellFormed = doc.IsWellFormed();
     TLR_TRACE(5, "\nCTLRaidData         : IsValid(), %s",
               bWellFormed ? "well formed" : "not well formed");
+    if (!bWellFormed && doc.GetResult().find(CXmlDoc::kStartTagTooLong) != std::string::npos) {
+        TLR_TRACE(1, "\nCTLRaidData         : Warning! A start tag of 4 MiB or more, tree refused");
+    }
     if (!bWellFormed || !doc.FindElem(kStorageTreeRoot)) {
         return false;
     }

@@ -210,12 +210,21 @@ uint32_t CXmlDoc::ParseElements(uint32_t iPosTop, XmlScanner& scanner) {
         int nType = p + 1 < nTextLength && XmlIs(pText[p + 1], kChNameStart)
                         ? scan.ScanStartTagHere()
                         : scan.Scan();
-        if (nType == kTokStartTag) {
+        if (nType == kTokStartTag && token.nLength > ElemPos::kStartTagMask) {
+            // Its length doesn't fit the record: no element is made, and the document is
+            // refused rather than read with a wrapped length.
+            m_aPos[iPosTop].Set(kDocIllFormed);
+            m_aPos[iPosCur].Set(kElemIllFormed);
+            if (m_sResult.size() <= kReportLimit) {
+                std::string sName(pText + scanner.nNameStart, scanner.NameLength());
+                Report(m_sResult, kStartTagTooLong, sName.c_str(), int(token.nOffset), -1);
+            }
+        } else if (nType == kTokStartTag) {
             uint32_t iPos = TakeRecord();
             ElemPos& elem = m_aPos[iPos];
             ElemPos& parent = m_aPos[iPosCur];
             elem.nStart = token.nOffset;
-            elem.nTagLengths = token.nLength & ElemPos::kStartTagMask;
+            elem.nTagLengths = token.nLength;
             elem.nLevelFlags = (uint32_t(names.Size()) + nTopLevel) & 0xFFFF;
             elem.iElemParent = iPosCur;
             elem.iElemChild = 0;

@@ -40,6 +40,9 @@ class CXmlDoc {
     bool SetDoc(const std::string& sDoc);  // replaces and parses the text; answers IsWellFormed
     bool IsWellFormed() const;             // one root, nothing ill-formed
     const std::string& GetResult() const { return m_sResult; }  // reports of the last parse
+    // The report of a start tag too long for the index (4 MiB or more); its document is
+    // not well formed.
+    static constexpr char kStartTagTooLong[] = "start_tag_too_long";
 
     // Positions
     void ResetPos();  // all three positions to 0

@@ -152,7 +152,7 @@ bool CXmlDoc::AddElemImpl(const char* pszName, const char* pszValue, uint32_t nF
             }
         }
     }
-    if (m_sDoc.size() + sText.size() > kMaxDocLength) {
+    if (m_sDoc.size() + sText.size() > kMaxDocLength || nStartTag > ElemPos::kStartTagMask) {
         return false;
     }
     Splice(nPlace, nReplace, sText, true);
@@ -232,7 +232,8 @@ bool CXmlDoc::SetAttrib(uint32_t iPos, const char* pszName, const char* pszValue
         nPlace = scan.LastEnd();
         sText = " " + std::string(pszName) + "=\"" + sValue + "\"";
     }
-    if (m_sDoc.size() - nReplace + sText.size() > kMaxDocLength) {
+    if (m_sDoc.size() - nReplace + sText.size() > kMaxDocLength ||
+        RecW(iPos).StartTagLen() - nReplace + sText.size() > ElemPos::kStartTagMask) {
         return false;
     }
     Splice(nPlace, nReplace, sText, false);

@@ -84,6 +84,14 @@ TEST(TLRaidDataIsValid, AnyInitializingAdapterRefusesTheTree) {
     EXPECT_TRUE(Valid(WholeTree("")));
 }
 
+TEST(TLRaidDataIsValid, AStartTagTooLongForTheIndexRefusesTheTreeWithAWarning) {
+    ScopedTraceLevel level(1);
+    std::string adapter = "<Adapter Nr=\"0\" Pad=\"" + std::string(4 << 20, 'p') + "\">";
+    EXPECT_FALSE(Valid(WholeTree(adapter + "<Status>OK</Status></Adapter>")));
+    EXPECT_EQ(Debug.Take(),
+              "\nCTLRaidData         : Warning! A start tag of 4 MiB or more, tree refused");
+}
+
 TEST(TLRaidDataIsValid, TracesEachStepAtLevelFive) {
     ScopedTraceLevel level(5);
     EXPECT_TRUE(Valid(SampleTree("demo.xml")));

@@ -71,13 +71,32 @@ TEST(XmlBuilder, ReportsStopGrowingPastTheLimit) {
     EXPECT_LT(doc.GetResult().size(), 3000u);
 }
 
-TEST(XmlBuilder, EndTagLengthWrapsAtTenBits) {
+// The end tag's length wraps at 10 bits; a start tag too long for its 22 bits makes no
+// element, and neither does an edit.
+TEST(XmlBuilder, TagLengthsAtTheirLimits) {
     std::string sName(1021, 'n');
     CXmlDoc doc;
     EXPECT_TRUE(doc.SetDoc("<" + sName + "></" + sName + ">"));
     EXPECT_EQ(doc.GetRecord(1).EndTagLen(), 0u);  // 1024 in 10 bits
     EXPECT_EQ(doc.GetRecord(1).StartTagLen(), 1023u);
     EXPECT_EQ(doc.GetData(1), "");
+
+    const uint32_t nMax = ElemPos::kStartTagMask;
+    const std::string sFits = "<r a=\"" + std::string(nMax - 8, 'v') + "\">";
+    ASSERT_TRUE(doc.SetDoc("<t>" + sFits + "x</r></t>"));
+    EXPECT_EQ(doc.GetRecord(2).StartTagLen(), nMax);
+    EXPECT_EQ(doc.GetAttrib(2, "b"), "");
+    EXPECT_FALSE(doc.SetAttrib(2, "b", "1"));
+    EXPECT_EQ(doc.GetData(2), "x");
+    CheckIndex(doc);
+
+    EXPECT_FALSE(doc.SetDoc("<t><r b=\"1\"" + sFits.substr(2) + "x</r></t>"));
+    EXPECT_EQ(Outline(doc), "!x t@0+" + std::to_string(nMax + 18) + "!x");
+    EXPECT_EQ(doc.GetResult(),
+              "<start_tag_too_long tagname=\"r\" offset=\"3\"/>"
+              "<lone_end_tag tagname=\"r\" offset=\"" +
+                  std::to_string(nMax + 10) + "\"/>");
+    CheckIndex(doc);
 }
 
 TEST(XmlBuilder, EmptyAndNullDocumentsAndResetPositions) {
