@@ -172,6 +172,10 @@ constexpr uint32_t kMissing = 22;       // what a missing ST reads as
 constexpr uint32_t kEvent = 255;        // marks a record as an event while the switch has it
 constexpr uint32_t kNone = 0xFFFFFFFF;  // a request to the switch has no ST yet
 
+// Every status the module answers a client's request with.
+constexpr uint32_t kModuleAnswers[] = {kOk,         kUnknownCode, kNoSuchObject, kValueRefused,
+                                       kNoRaidData, kDataMissing, kNotAvailable, kCabinetUnknown};
+
 }  // namespace status
 
 // ---- Values a client receives where they are codes ----------------------------------------

@@ -1,9 +1,11 @@
 // host-facts: prints the host's paths and the daemon's port, as the module and its REST
-// client know them, as shell assignments. The build writes them to build/host-facts.sh,
-// where the sandbox reads them, so that the sandbox lays out the host the module expects.
+// client know them, and the statuses the module answers with, as shell assignments. The build
+// writes them to build/host-facts.sh, where the sandbox reads them, so that the sandbox lays
+// out the host the module expects; the stress script checks answers against the statuses.
 #include <cstdio>
 #include <string>
 
+#include "frame/SwitchProtocol.h"
 #include "rest/DaemonHost.h"
 #include "rest/RestConstants.h"
 #include "runtime/DebugClient.h"
@@ -32,5 +34,9 @@ int main() {
     printf("kInstallMark='%s'\n", installMark);
     printf("kPidFile='%s'\n", raid_host::kPidFiles[0]);
     printf("kSimPort=%u\n", static_cast<unsigned>(tlr_rest::kDaemonPort));
+    std::string answers;
+    for (uint32_t st : status::kModuleAnswers)
+        answers += (answers.empty() ? "" : " ") + std::to_string(st);
+    printf("kAnswerStatuses='%s'\n", answers.c_str());
     return 0;
 }
