@@ -38,57 +38,29 @@ bool Step(CXmlDoc& doc, uint8_t op) {
     const uint32_t refs = If((arg & 8) && ((arg & 7) == 4 || (arg & 7) == 7), XmlKeepRefs);
     const uint32_t flags =
         If(arg & 1, XmlCData) | If(arg & 2, XmlNoLines) | If(arg & 4, XmlInsertBefore) | refs;
+    // clang-format off
     switch (op & 15) {
-        case 0:
-            doc.FindElem(kPaths[arg]);
-            break;
-        case 1:
-            doc.FindChildElem(kPaths[arg]);
-            break;
-        case 2:
-            doc.IntoElem();
-            break;
-        case 3:
-            doc.OutOfElem();
-            break;
-        case 4:
-            doc.FindPrevElem(arg & 1 ? "a" : nullptr);
-            break;
-        case 5:
-            doc.SetPos(doc.GetParentPos(), pos, 0);
-            break;
-        case 6:
-            doc.GetData(pos) + doc.GetChildData() + doc.GetSubDoc(pos) + doc.GetTagName();
-            break;
-        case 7:
-            doc.GetAttrib(pos, "x") + doc.GetAttribName(int(arg) - 1) + doc.GetElemPath();
-            break;
-        case 8:
-            doc.SavePos(arg & 1 ? "s" : "", int(arg >> 2));
-            break;
-        case 9:
-            doc.RestorePos(arg & 1 ? "s" : "", int(arg >> 2));
-            break;
+        case 0: doc.FindElem(kPaths[arg]); break;
+        case 1: doc.FindChildElem(kPaths[arg]); break;
+        case 2: doc.IntoElem(); break;
+        case 3: doc.OutOfElem(); break;
+        case 4: doc.FindPrevElem(arg & 1 ? "a" : nullptr) || doc.GetTagName().empty(); break;
+        case 5: doc.SetPos(arg & 1 ? pos : doc.GetParentPos(), pos, arg & 2 ? pos : 0); break;
+        case 6: doc.GetData(pos) + doc.GetChildData() + doc.GetSubDoc(pos); break;
+        case 7: doc.GetAttrib(pos, "x") + doc.GetAttribName(int(arg) - 1); break;
+        case 8: doc.GetElemPath(); doc.SavePos(arg & 1 ? "s" : "", int(arg >> 2)); break;
+        case 9: doc.RestorePos(arg & 1 ? "s" : "", int(arg >> 2)); break;
         case 10:
             doc.AddElem(arg == 15 ? "" : "n", data, flags | If(arg == 13, XmlNoEndTag));
             return arg != 13 && arg != 15;
-        case 11:
-            doc.AddChildElem("k", data, flags);
-            break;
-        case 12:
-            doc.AddElem("m", data, flags | XmlChild | If(arg & 8, XmlReplace));
-            break;
-        case 13:
-            doc.SetAttrib(pos, arg & 1 ? "x" : "y", value, refs);
-            break;
-        case 14:
-            doc.SetData(pos, value, flags & (XmlCData | XmlKeepRefs));
-            break;
-        default:
-            doc.ResetPos();
-            return false;
+        case 11: doc.AddChildElem("k", data, flags | If(arg & 8, XmlSpaceBeforeEnd)); break;
+        case 12: doc.AddElem("m", data, flags | XmlChild | If(arg & 8, XmlReplace)); break;
+        case 13: doc.SetAttrib(pos, arg & 1 ? "x" : "y", value, refs); break;
+        case 14: doc.SetData(pos, value, flags & (XmlCData | XmlKeepRefs)); break;
+        default: doc.ResetPos(); break;
     }
-    return (op & 15) >= 10;
+    // clang-format on
+    return true;
 }
 
 }  // namespace
