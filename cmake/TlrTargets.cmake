@@ -10,6 +10,13 @@ elseif(TLR_SANITIZE STREQUAL "address")
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+# libFuzzer's coverage everywhere, AddressSanitizer and UndefinedBehaviorSanitizer; the fuzz
+# targets add libFuzzer itself.
+if(TLR_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-omit-frame-pointer -g)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
 # tlr_library(<subsystem> SOURCES ... [DEPS ...])
 # Makes the static library tlr_<subsystem> with src/ on its include path.
 function(tlr_library sub)

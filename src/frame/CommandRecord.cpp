@@ -12,6 +12,26 @@
 
 namespace {
 
+// True when a number anywhere in the value is beyond the range of a double: the parser lets
+// some of them through as infinite, and no JSON text can be written for them.
+bool HoldsInfiniteNumber(const rapidjson::Value& root) {
+    std::vector<const rapidjson::Value*> pending{&root};
+    while (!pending.empty()) {
+        const rapidjson::Value* v = pending.back();
+        pending.pop_back();
+        if (v->IsDouble() && !std::isfinite(v->GetDouble()))
+            return true;
+        if (v->IsArray()) {
+            for (const rapidjson::Value& element : v->GetArray())
+                pending.push_back(&element);
+        } else if (v->IsObject()) {
+            for (const auto& member : v->GetObject())
+                pending.push_back(&member.value);
+        }
+    }
+    return false;
+}
+
 // The low 32 bits of any JSON number.
 uint32_t Low32(const rapidjson::Value& v) {
     if (v.IsUint64())
@@ -100,7 +120,7 @@ CommandRecord& CommandRecord::operator=(const CommandRecord& other) {
 bool CommandRecord::SetJson(std::string_view text) {
     rapidjson::Document parsed;
     parsed.Parse<rapidjson::kParseIterativeFlag>(text.data(), text.size());
-    if (parsed.HasParseError())
+    if (parsed.HasParseError() || HoldsInfiniteNumber(parsed))
         return false;
     m_Document.Swap(parsed);
     return true;

@@ -27,7 +27,8 @@ class CommandRecord {
     CommandRecord(const CommandRecord& other);
     CommandRecord& operator=(const CommandRecord& other);
 
-    // Replaces the document with parsed JSON text; false (record unchanged) if it is no JSON.
+    // Replaces the document with parsed JSON text; false (record unchanged) if it is no JSON
+    // or holds a number too large for a double.
     bool SetJson(std::string_view text);
     // The whole document as compact JSON.
     std::string ToJson() const;

@@ -126,12 +126,13 @@ bool CXmlDoc::AddElemImpl(const char* pszName, const char* pszValue, uint32_t nF
         bOpenParent = iParent && !iSib && IsSelfEnded(m_sDoc, parent);
         bool bEmptyParent = iParent && !iSib && parent.EndTagLen() && nContentStart == nContentEnd;
         if (!bOpenParent && !(nFlags & (XmlNoLines | XmlReplace))) {
-            // Behind white space only, the new element goes in front of the next tag.
+            // Behind white space only, the new element goes in front of the next tag, never
+            // past the parent's content: a parent without end tag ends where its text does.
             size_t i = nPlace;
-            while (i < m_sDoc.size() && XmlIs(m_sDoc[i], kChWs)) {
+            while (i < nContentEnd && XmlIs(m_sDoc[i], kChWs)) {
                 ++i;
             }
-            if (i == m_sDoc.size() || m_sDoc[i] == '<') {
+            if (i == m_sDoc.size() || i >= nContentEnd || m_sDoc[i] == '<') {
                 nPlace = uint32_t(i);
             }
         }

@@ -8,7 +8,8 @@
 #include "xml/XmlDoc.h"
 
 // Checks that the index of a document is a sound tree over its text: links agree both ways,
-// sibling chains close through the first child's prev, and every element lies in the text.
+// sibling chains close through the first child's prev, and every element lies in the text
+// and within its parent.
 // Returns the number of elements reached from record 0.
 inline uint32_t CheckIndex(const CXmlDoc& doc) {
     uint32_t nCount = doc.GetRecordCount();
@@ -35,7 +36,10 @@ inline uint32_t CheckIndex(const CXmlDoc& doc) {
             const bool bLinks =
                 e.iElemParent == iParent && e.Has(kElemFirst) == (i == iFirst) &&
                 (i == iFirst || (e.iElemPrev == iPrev && e.nStart > doc.GetRecord(iPrev).nStart)) &&
-                (!iParent || e.nStart > doc.GetRecord(iParent).nStart);
+                (!iParent ||
+                 (e.nStart > doc.GetRecord(iParent).nStart &&
+                  uint64_t(e.nStart) + e.nLength <=
+                      uint64_t(doc.GetRecord(iParent).nStart) + doc.GetRecord(iParent).nLength));
             const bool bInText = uint64_t(e.nStart) + e.nLength <= sDoc.size() &&
                                  e.nLength >= e.StartTagLen() &&
                                  (e.nStart >= sDoc.size() || sDoc[e.nStart] == '<');

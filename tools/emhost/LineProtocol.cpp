@@ -25,7 +25,6 @@ constexpr uint32_t kMinInfoBlock = 256;
 constexpr int64_t kMaxInfoSize = 1 << 20;
 constexpr int64_t kMaxBurstThreads = 256;
 constexpr int64_t kMaxBurstCalls = 10000000;
-constexpr int64_t kMaxWaitMs = 24LL * 3600 * 1000;
 constexpr int64_t kU32Max = 0xFFFFFFFFLL;
 // A record's commands are numbered up to here; a higher index is refused, never padded to.
 constexpr int64_t kMaxCommandIndex = 65535;
@@ -95,8 +94,9 @@ std::string HexBytes(const uint8_t* bytes, size_t n) {
 
 }  // namespace
 
-LineProtocol::LineProtocol(HostOutput& output, HostSwitch& hostSwitch, ModuleLibrary& library)
-    : m_Output(output), m_Switch(hostSwitch), m_Library(library) {
+LineProtocol::LineProtocol(HostOutput& output, HostSwitch& hostSwitch, ModuleLibrary& library,
+                           int64_t maxWaitMs)
+    : m_Output(output), m_Switch(hostSwitch), m_Library(library), m_nMaxWaitMs(maxWaitMs) {
     auto plain = [](std::string (LineProtocol::*f)()) {
         return [f](LineProtocol* p, const rapidjson::Value&) { return (p->*f)(); };
     };
@@ -344,14 +344,14 @@ std::string LineProtocol::Burst(const rapidjson::Value& line) {
 
 std::string LineProtocol::WaitEvents(const rapidjson::Value& line) {
     int64_t count = IntMember(line, "count", std::nullopt, 0, INT64_MAX);
-    int64_t timeout = IntMember(line, "timeout_ms", std::nullopt, 0, kMaxWaitMs);
+    int64_t timeout = IntMember(line, "timeout_ms", std::nullopt, 0, m_nMaxWaitMs);
     uint64_t total =
         m_Switch.WaitForEvents(static_cast<uint64_t>(count), static_cast<uint64_t>(timeout));
     return JsonLine().Str("host", "wait-events").UInt("ret", total).Done();
 }
 
 std::string LineProtocol::Sleep(const rapidjson::Value& line) {
-    int64_t ms = IntMember(line, "ms", std::nullopt, 0, kMaxWaitMs);
+    int64_t ms = IntMember(line, "ms", std::nullopt, 0, m_nMaxWaitMs);
     std::this_thread::sleep_for(std::chrono::milliseconds(ms));
     return JsonLine().Str("host", "sleep").Int("ret", 0).Done();
 }

@@ -17,7 +17,11 @@ class CIExtensionModule;
 // the host, and gets exactly one result line.
 class LineProtocol {
   public:
-    LineProtocol(HostOutput& output, HostSwitch& hostSwitch, ModuleLibrary& library);
+    // The longest wait a line may ask for: a day by default.
+    static constexpr int64_t kMaxWaitMs = 24LL * 3600 * 1000;
+
+    LineProtocol(HostOutput& output, HostSwitch& hostSwitch, ModuleLibrary& library,
+                 int64_t maxWaitMs = kMaxWaitMs);
 
     // Handles one input line. False when the line asks the host to exit.
     bool HandleLine(const std::string& line);
@@ -48,6 +52,7 @@ class LineProtocol {
     HostOutput& m_Output;
     HostSwitch& m_Switch;
     ModuleLibrary& m_Library;
+    const int64_t m_nMaxWaitMs;
     CIExtensionModule* m_pModule = nullptr;
     std::map<std::string, Action> m_Actions;
     std::map<std::string, bool> m_NeedsModule;
