@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "xml/XmlAttribScan.h"
 #include "xml/XmlChars.h"
 #include "xml/XmlDoc.h"
@@ -230,7 +232,14 @@ bool CXmlDoc::SetAttrib(uint32_t iPos, const char* pszName, const char* pszValue
             sText = "=\"" + sValue + "\"";
         }
     } else {
-        nPlace = scan.LastEnd();
+        // A quote outside a value runs to the tag's end in the scan: the new attribute still
+        // goes in front of the tag's "/>" or ">".
+        const ElemPos& elem = Rec(iPos);
+        uint32_t nClose = elem.nStart + elem.StartTagLen();
+        if (nClose > elem.nStart && m_sDoc[nClose - 1] == '>') {
+            nClose -= IsSelfEnded(m_sDoc, elem) ? 2 : 1;
+        }
+        nPlace = std::min(scan.LastEnd(), nClose);
         sText = " " + std::string(pszName) + "=\"" + sValue + "\"";
     }
     if (m_sDoc.size() - nReplace + sText.size() > kMaxDocLength ||

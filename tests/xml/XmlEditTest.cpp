@@ -88,6 +88,13 @@ TEST(XmlEdit, SetAttribWritesDoubleQuotes) {
         EXPECT_EQ(doc.GetAttrib(doc.GetMainPos(), pszName), pszValue) << pszDoc;
         CheckSameAsParsed(doc);
     }
+    // A quote outside a value runs to the tag's end in the attribute scan; a new attribute
+    // still goes in front of "/>".
+    CXmlDoc doc;
+    doc.SetDoc("<a 'd/>");
+    ASSERT_TRUE(doc.FindElem() && doc.SetAttrib(doc.GetMainPos(), "y", "1"));
+    EXPECT_EQ(doc.GetDoc(), "<a 'd y=\"1\"/>");
+    CheckSameAsParsed(doc);
 }
 
 TEST(XmlEdit, SetData) {
