@@ -1,8 +1,12 @@
 #include "storage/XmlValidator.h"
 
 #include <cstdint>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
 
 #include "runtime/DebugClient.h"
+#include "xml/XmlAttribScan.h"
 
 namespace {
 
@@ -60,7 +64,7 @@ std::string CXmlValidator::CleanText(const std::string& sText) {
     return sClean;
 }
 
-CXmlValidator::CXmlValidator(CXmlDoc& doc) : m_Doc(doc) {
+CXmlValidator::CXmlValidator(CXmlDoc& doc) : m_Doc(doc), m_nDocLength(doc.GetRecord(0).nLength) {
     // A walk in document order through the siblings of the first element and all below them;
     // the place is kept in the document's positions and the depth in a counter.
     uint64_t nDepth = 0;
@@ -74,6 +78,7 @@ CXmlValidator::CXmlValidator(CXmlDoc& doc) : m_Doc(doc) {
         CleanData();
         while (!m_Doc.FindElem()) {
             if (nDepth == 0) {
+                m_Doc.ReplaceTexts(m_aEdits);
                 return;
             }
             m_Doc.OutOfElem();
@@ -82,25 +87,56 @@ CXmlValidator::CXmlValidator(CXmlDoc& doc) : m_Doc(doc) {
     }
 }
 
+bool CXmlValidator::AddEdit(XmlTextEdit edit, uint32_t& nTagLength) {
+    const int64_t nDelta = int64_t(edit.sText.size()) - int64_t(edit.nReplace);
+    if (int64_t(m_nDocLength) + nDelta > int64_t(CXmlDoc::kMaxDocLength) ||
+        int64_t(nTagLength) + nDelta > int64_t(ElemPos::kStartTagMask)) {
+        return false;
+    }
+    m_nDocLength = uint64_t(int64_t(m_nDocLength) + nDelta);
+    nTagLength = uint32_t(int64_t(nTagLength) + nDelta);
+    m_aEdits.push_back(std::move(edit));
+    return true;
+}
+
 void CXmlValidator::CleanAttributes() {
     const uint32_t iPos = m_Doc.GetMainPos();
-    for (int i = 0;; ++i) {
-        const std::string sName = m_Doc.GetAttribName(i);
-        if (sName.empty()) {
-            return;
+    uint32_t nTagLength = m_Doc.GetRecord(iPos).StartTagLen();
+    XmlAttribScan scan(m_Doc, iPos);
+    XmlAttribScan::Item item;
+    // A name read again gives the value of its first attribute: clean already, unless the
+    // change of that one was left out, and then it is tried again.
+    std::unordered_map<std::string_view, std::pair<XmlAttribScan::Item, bool>> first;
+    while (scan.Next(item)) {
+        auto [it, bNew] = first.try_emplace(scan.Name(item), item, false);
+        if (!bNew && !it->second.second) {
+            continue;
         }
-        const std::string sValue = m_Doc.GetAttrib(iPos, sName.c_str());
+        const XmlAttribScan::Item& attrib = it->second.first;
+        const std::string sValue = scan.Value(attrib);
         if (sValue.empty()) {
             continue;
         }
         const std::string sClean = CleanText(sValue);
-        if (sClean != sValue) {
-            TLR_TRACE(1,
-                      "\nCXmlValidator       : Warning! Attribute string with non printable "
-                      "character detected! \"%s\"",
-                      sClean.c_str());
-            m_Doc.SetAttrib(iPos, sName.c_str(), sClean.c_str());
+        if (sClean == sValue) {
+            continue;
         }
+        TLR_TRACE(1,
+                  "\nCXmlValidator       : Warning! Attribute string with non printable "
+                  "character detected! \"%s\"",
+                  sClean.c_str());
+        // The value comes out in double quotes, whatever quotes it had.
+        const std::string sQuoted = "\"" + CXmlDoc::EscapeText(sClean, XmlAttribText) + "\"";
+        XmlTextEdit edit;
+        if (attrib.bValue) {
+            edit.nPlace = attrib.nValue;
+            edit.nReplace = attrib.nValueLength;
+            edit.sText = sQuoted;
+        } else {
+            edit.nPlace = attrib.nName + attrib.nNameLength;
+            edit.sText = "=" + sQuoted;
+        }
+        it->second.second = !AddEdit(std::move(edit), nTagLength);
     }
 }
 
@@ -116,7 +152,15 @@ void CXmlValidator::CleanData() {
                   "\nCXmlValidator       :  Warning! Element data string with non printable "
                   "character detected! \"%s\"",
                   sClean.c_str());
-        m_Doc.SetData(iPos, sClean.c_str());
+        // Text comes only from an element with content, so its tags stay as they are.
+        XmlTextEdit edit;
+        uint32_t nEnd = 0;
+        m_Doc.ContentRange(iPos, edit.nPlace, nEnd);
+        edit.nReplace = nEnd - edit.nPlace;
+        edit.sText = CXmlDoc::EscapeText(sClean, 0);
+        edit.iText = iPos;
+        uint32_t nNoTagLimit = 0;
+        AddEdit(std::move(edit), nNoTagLimit);
     }
 }
 
