@@ -1,6 +1,6 @@
 // The answers and traces of the requests over whole trees (cleaning, SMART of all drives, the
 // overall component statuses, the export as XML and JSON) on trees that grow in width, depth
-// and attributes, and on the sample trees, against the figures kept in testdata.
+// and attributes, on the sample trees and on small odd ones, against the figures kept in testdata.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -60,6 +60,10 @@ TEST(GrowthOutputs, SameAsRecorded) {
     }
     for (const std::string& sample : SampleTreeNames()) {
         lines += Answers(sample, SampleTree(sample));
+    }
+    // NUL bytes in names, duplicate, bare and valueless attributes.
+    for (const std::string odd : {"attrib-name-nul", "attrib-odd", "export-dup", "tag-name-nul"}) {
+        lines += Answers(odd, SourceText("tests/storage/testdata/odd/" + odd + ".xml"));
     }
     const std::string path = std::string(TLR_SOURCE_DIR) + "/tests/storage/testdata/growth.txt";
     if (std::getenv("TLR_RECORD_GROWTH")) {
