@@ -1,5 +1,6 @@
 #include "storage/XmlValidator.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string_view>
 #include <unordered_map>
@@ -102,17 +103,30 @@ bool CXmlValidator::AddEdit(XmlTextEdit edit, uint32_t& nTagLength) {
 void CXmlValidator::CleanAttributes() {
     const uint32_t iPos = m_Doc.GetMainPos();
     uint32_t nTagLength = m_Doc.GetRecord(iPos).StartTagLen();
-    XmlAttribScan scan(m_Doc, iPos);
+    // Each name is looked up as a C string reads it, up to its first NUL, and stands for the
+    // first attribute of that name anywhere in the tag, if any. That one is cleaned once: a
+    // name read again finds it clean, unless its change was left out, and then it is tried
+    // again.
+    struct First {
+        XmlAttribScan::Item item;
+        bool bVisited = false;
+        bool bLeftOut = false;
+    };
+    std::unordered_map<std::string_view, First> first;
     XmlAttribScan::Item item;
-    // A name read again gives the value of its first attribute: clean already, unless the
-    // change of that one was left out, and then it is tried again.
-    std::unordered_map<std::string_view, std::pair<XmlAttribScan::Item, bool>> first;
+    for (XmlAttribScan all(m_Doc, iPos); all.Next(item);) {
+        first.try_emplace(all.Name(item), First{item});
+    }
+    const size_t nFirstEdit = m_aEdits.size();
+    XmlAttribScan scan(m_Doc, iPos);
     while (scan.Next(item)) {
-        auto [it, bNew] = first.try_emplace(scan.Name(item), item, false);
-        if (!bNew && !it->second.second) {
+        const std::string_view sName = scan.Name(item);
+        const auto it = first.find(sName.substr(0, sName.find('\0')));
+        if (it == first.end() || (it->second.bVisited && !it->second.bLeftOut)) {
             continue;
         }
-        const XmlAttribScan::Item& attrib = it->second.first;
+        it->second.bVisited = true;
+        const XmlAttribScan::Item& attrib = it->second.item;
         const std::string sValue = scan.Value(attrib);
         if (sValue.empty()) {
             continue;
@@ -136,7 +150,14 @@ void CXmlValidator::CleanAttributes() {
             edit.nPlace = attrib.nName + attrib.nNameLength;
             edit.sText = "=" + sQuoted;
         }
-        it->second.second = !AddEdit(std::move(edit), nTagLength);
+        it->second.bLeftOut = !AddEdit(std::move(edit), nTagLength);
+    }
+    // A name cut short may have changed an attribute behind the next one changed.
+    const auto byPlace = [](const XmlTextEdit& a, const XmlTextEdit& b) {
+        return a.nPlace < b.nPlace;
+    };
+    if (!std::is_sorted(m_aEdits.begin() + nFirstEdit, m_aEdits.end(), byPlace)) {
+        std::sort(m_aEdits.begin() + nFirstEdit, m_aEdits.end(), byPlace);
     }
 }
 
