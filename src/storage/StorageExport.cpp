@@ -76,18 +76,20 @@ class ExportWriter {
     // text; it stays open for its children until Close.
     void Open(CXmlDoc& source) {
         BeforeChild();
+        // The rules see the whole name; the element is named as a C string reads it.
         const std::string sTag = source.GetTagName();
-        m_aOpen.push_back({sTag, false, false});
+        const std::string sName(AsCString(sTag));
+        m_aOpen.push_back({sName, false, false});
         std::vector<std::pair<std::string, std::string>> aAttribs;  // name, escaped value
         std::vector<std::string> aTypes;
         // A start tag stays within what its record can hold: a longer attribute is dropped.
-        size_t nTagLength = sTag.size() + 3;
+        size_t nTagLength = sName.size() + 3;
         XmlAttribScan scan(source, source.GetMainPos());
         XmlAttribScan::Item item;
         std::vector<std::pair<std::string_view, std::string>> aFirst;  // first value of a name
         while (scan.Next(item)) {
-            const std::string_view sName = scan.Name(item);
-            const AttribRule* pRule = FindRule(sTag, std::string(sName));
+            const std::string_view sAttribName = scan.Name(item);
+            const AttribRule* pRule = FindRule(sTag, std::string(sAttribName));
             if (!pRule) {
                 continue;
             }
@@ -100,7 +102,7 @@ class ExportWriter {
                 continue;
             }
             const std::string sAttrib =
-                pRule->nAction == AttribAction::kNumber ? kNumberAttrib : std::string(sName);
+                pRule->nAction == AttribAction::kNumber ? kNumberAttrib : std::string(sAttribName);
             std::string sEscaped = CXmlDoc::EscapeText(AsCString(sValue), XmlAttribText);
             auto it = aAttribs.begin();
             while (it != aAttribs.end() && it->first != sAttrib) {
@@ -119,9 +121,9 @@ class ExportWriter {
             }
         }
         m_sOut += '<';
-        m_sOut += sTag;
-        for (const auto& [sName, sValue] : aAttribs) {
-            m_sOut += ' ' + sName + "=\"" + sValue + '"';
+        m_sOut += sName;
+        for (const auto& [sAttribName, sValue] : aAttribs) {
+            m_sOut += ' ' + sAttribName + "=\"" + sValue + '"';
         }
         m_sOut += '>';
         for (const std::string& sType : aTypes) {
