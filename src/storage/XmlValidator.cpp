@@ -104,24 +104,31 @@ void CXmlValidator::CleanAttributes() {
     const uint32_t iPos = m_Doc.GetMainPos();
     uint32_t nTagLength = m_Doc.GetRecord(iPos).StartTagLen();
     // Each name is looked up as a C string reads it, up to its first NUL, and stands for the
-    // first attribute of that name anywhere in the tag, if any. That one is cleaned once: a
-    // name read again finds it clean, unless its change was left out, and then it is tried
-    // again.
+    // first attribute of that name in the tag, if any. That one is cleaned once: a name read
+    // again finds it clean, unless its change was left out, and then it is tried again.
     struct First {
         XmlAttribScan::Item item;
         bool bVisited = false;
         bool bLeftOut = false;
     };
     std::unordered_map<std::string_view, First> first;
-    XmlAttribScan::Item item;
-    for (XmlAttribScan all(m_Doc, iPos); all.Next(item);) {
-        first.try_emplace(all.Name(item), First{item});
-    }
+    bool bAllNames = false;  // the names behind the scan are in too
     const size_t nFirstEdit = m_aEdits.size();
     XmlAttribScan scan(m_Doc, iPos);
+    XmlAttribScan::Item item;
     while (scan.Next(item)) {
         const std::string_view sName = scan.Name(item);
-        const auto it = first.find(sName.substr(0, sName.find('\0')));
+        const size_t nNul = sName.find('\0');
+        if (nNul != std::string_view::npos && !bAllNames) {
+            // A name cut short may stand for an attribute further on.
+            XmlAttribScan rest = scan;
+            for (XmlAttribScan::Item other; rest.Next(other);) {
+                first.try_emplace(rest.Name(other), First{other});
+            }
+            bAllNames = true;
+        }
+        const auto it = nNul == std::string_view::npos ? first.try_emplace(sName, First{item}).first
+                                                       : first.find(sName.substr(0, nNul));
         if (it == first.end() || (it->second.bVisited && !it->second.bLeftOut)) {
             continue;
         }
