@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "xml/XmlDoc.h"
 
 // The tree that clients get: the objects and properties of a whole storage tree (root amEMTL)
@@ -10,8 +12,6 @@
 // The source comes back at its old positions.
 void BuildStorageDeviceTree(CXmlDoc& target, CXmlDoc& source);
 
-// Copies the children of the source's main element behind the target's positions: objects
-// (with NrOfProperties) and properties (children of objects, Ports excepted) are copied,
-// everything else is left out and its children are taken up by the nearest copied ancestor.
-// Always 1.
-int CopyStorageElements(CXmlDoc& target, CXmlDoc& source);
+// The text that BuildStorageDeviceTree gives its target; false, with the text untouched, for a
+// source without amEMTL. The source comes back at its old positions.
+bool WriteStorageDeviceTree(CXmlDoc& source, std::string& sOut);

@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 #include "storage/StorageExport.h"
@@ -71,8 +72,17 @@ bool ConvertStorageTree(CXmlDoc& doc, std::string& sOut, int nFormat) {
 }
 
 bool ExportStorageTree(CXmlDoc& tree, int nFormat, std::string& sOut) {
+    std::string sText;
+    if (!WriteStorageDeviceTree(tree, sText)) {
+        return true;
+    }
+    if (nFormat == kStorageTreeXml) {
+        // The exported tree has one root and is always well formed: its text is the answer.
+        sOut = std::move(sText);
+        return true;
+    }
     CTLRaidData exported;
-    BuildStorageDeviceTree(exported, tree);
+    exported.SetDoc(sText);
     return ConvertStorageTree(exported, sOut, nFormat);
 }
 

@@ -103,6 +103,11 @@ class CTLRaidData : public CXmlDoc {
     // child position, or in the flat layout at the main position. With bPortListOnly, only
     // the port list layout is walked (where a drive is always at the child position).
     void WalkDrives(const Visitor& visit, bool bPortListOnly);
+    // WalkDrives over every Adapter of System in a whole tree, in place: each adapter's drives
+    // are the ones its cut-out document would give. True from the visitor ends the walk.
+    void WalkDrivesOfAllAdapters(const Visitor& visit);
+    // The text of the first Status child of a drive; false without one. Positions stay.
+    bool ReadDriveStatus(uint32_t iDrive, std::string& sWord);
     // Visits each enclosure number of the port list at its first appearance, with the
     // Enclosure at the main position; gives the number of enclosures visited.
     uint32_t WalkEnclosures(const std::function<bool(uint32_t nIndex, long nNumber)>& visit);

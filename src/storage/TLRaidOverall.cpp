@@ -29,31 +29,23 @@ bool CTLRaidData::GetPhysicalDiskOverallComponentStatus(int32_t& nStatus) {
 
     bool bTaken = false;
     ResetPos();
-    uint32_t nAdapters = CountAdapters();
-    for (uint32_t nAdapter = 0; nAdapter < nAdapters; ++nAdapter) {
-        ResetPos();
-        CTLRaidData adapter;
-        if (!CutAdapter(adapter, nAdapter)) {
-            continue;
+    WalkDrivesOfAllAdapters([&](uint32_t iDrive) {
+        bTaken = true;
+        std::string sWord;
+        uint32_t nIndex = static_cast<uint32_t>(kNotMapped);
+        if (ReadDriveStatus(iDrive, sWord)) {
+            PhysicalDriveStatusToIndex(sWord.c_str(), nIndex);
         }
-        uint32_t nDrives = adapter.GetPhysicalDriveCount();
-        for (uint32_t nDrive = 0; nDrive < nDrives; ++nDrive) {
-            CTLRaidData drive;
-            if (!adapter.GetPhysicalDriveData(drive, nDrive)) {
-                continue;
-            }
-            bTaken = true;
-            int32_t nValue = PhysicalDriveComponentValue(
-                static_cast<uint32_t>(drive.GetPhysicalDriveStatusIndex()));
-            if (nValue > nStatus) {
-                nStatus = nValue;
-                TLR_TRACE(3,
-                          "\nCTLRaidData         : GetPhysicalDiskOverallComponentStatus - new "
-                          "disk overall component status = %d",
-                          nStatus);
-            }
+        int32_t nValue = PhysicalDriveComponentValue(nIndex);
+        if (nValue > nStatus) {
+            nStatus = nValue;
+            TLR_TRACE(3,
+                      "\nCTLRaidData         : GetPhysicalDiskOverallComponentStatus - new "
+                      "disk overall component status = %d",
+                      nStatus);
         }
-    }
+        return false;
+    });
     return bTaken;
 }
 
@@ -87,19 +79,52 @@ bool CTLRaidData::GetBbuOverallComponentStatus(uint32_t& nStatus) {
 
 int32_t CTLRaidData::GetSmartFlagOfAllDrives() {
     int32_t nFlag = kNotMapped;
-    CTLRaidData adapter;
-    for (uint32_t a = 0; nFlag != kSmartYes && GetAdapterData(adapter, a); ++a) {
-        CTLRaidData drive;
-        for (uint32_t d = 0; adapter.GetPhysicalDriveData(drive, d); ++d) {
-            int32_t nDriveFlag = drive.GetPhysicalDriveSmartFlag();
-            if (nDriveFlag == kSmartNo) {
-                nFlag = kSmartNo;
-            }
-            if (nDriveFlag == kSmartYes) {
-                nFlag = kSmartYes;
-                break;
-            }
+    CKeepPos keep(*this);
+    WalkDrivesOfAllAdapters([&](uint32_t iDrive) {
+        std::string sWord;
+        int32_t nDriveFlag = ReadDriveStatus(iDrive, sWord)
+                                 ? PhysicalDriveSmartFlagFromText(sWord.c_str())
+                                 : kNotMapped;
+        if (nDriveFlag == kSmartNo) {
+            nFlag = kSmartNo;
         }
-    }
+        if (nDriveFlag == kSmartYes) {
+            nFlag = kSmartYes;
+            return true;
+        }
+        return false;
+    });
     return nFlag;
+}
+
+void CTLRaidData::WalkDrivesOfAllAdapters(const Visitor& visit) {
+    if (!FindElem(kStorageTreeRoot) || !IntoElem() || !FindElem("System")) {
+        return;
+    }
+    const uint32_t iSystem = GetMainPos();
+    bool bEnded = false;
+    const Visitor visitUntilEnded = [&](uint32_t iDrive) { return bEnded = visit(iDrive); };
+    // WalkDrives takes the next Adapter behind the main position, as in the adapter's own
+    // document it takes the root.
+    for (uint32_t iPrevious = 0; !bEnded;) {
+        SetPos(iSystem, iPrevious, 0);
+        if (!FindElem("Adapter")) {
+            return;
+        }
+        const uint32_t iAdapter = GetMainPos();
+        SetPos(iSystem, iPrevious, 0);
+        WalkDrives(visitUntilEnded, false);
+        iPrevious = iAdapter;
+    }
+}
+
+bool CTLRaidData::ReadDriveStatus(uint32_t iDrive, std::string& sWord) {
+    const uint32_t iParent = GetParentPos(), iMain = GetMainPos(), iChild = GetChildPos();
+    SetPos(GetRecord(iDrive).iElemParent, iDrive, 0);
+    const bool bFound = FindChildElem("Status");
+    if (bFound) {
+        sWord = GetChildData();
+    }
+    SetPos(iParent, iMain, iChild);
+    return bFound;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "xml/XmlDoc.h"
 
@@ -21,8 +22,14 @@ class CXmlValidator {
   private:
     void CleanAttributes();
     void CleanData();
+    // Adds the edit unless it would make the text or the start tag longer than the index
+    // holds; false when left out.
+    bool AddEdit(XmlTextEdit edit, uint32_t& nTagLength);
 
     CXmlDoc& m_Doc;
+    // The changes, in document order, carried out together at the end of the walk.
+    std::vector<XmlTextEdit> m_aEdits;
+    uint64_t m_nDocLength;  // with the edits so far
 };
 
 // The raw tree as the cleaning request answers it: a well-formed text cleaned, any other text

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "xml/ElemPos.h"
 #include "xml/SavedPosMaps.h"
@@ -20,6 +21,15 @@ enum XmlFlag : uint32_t {
     XmlReplace = 0x1000,       // replace the content of the position
     XmlInsertBefore = 0x2000,  // insert before instead of after
     XmlChild = 0x4000,         // AddElem: add under main, next to the child position
+};
+
+// One replacement of a batch of edits: a range of the text and what goes there.
+struct XmlTextEdit {
+    uint32_t nPlace = 0;
+    uint32_t nReplace = 0;
+    std::string sText;
+    uint32_t iText =
+        0;  // the element whose text is replaced (it loses its ill-formed mark); 0 if none
 };
 
 // An XML document kept as its text plus an index of 32-byte element records, read and changed
@@ -75,6 +85,12 @@ class CXmlDoc {
     bool SetAttrib(uint32_t iPos, const char* pszName, const char* pszValue, uint32_t nFlags = 0);
     bool SetAttrib(uint32_t iPos, const char* pszName, int nValue, uint32_t nFlags = 0);
     bool SetData(uint32_t iPos, const char* pszText, uint32_t nFlags = 0);
+    // Carries out edits in increasing order that don't overlap and don't cross the start or
+    // end of an element, in one pass over the text and the index; an edit that overlaps the
+    // one before it is left out.
+    void ReplaceTexts(const std::vector<XmlTextEdit>& aEdits);
+    // The offsets of an element's content, between its tags; false for no element.
+    bool ContentRange(uint32_t iPos, uint32_t& nStart, uint32_t& nEnd) const;
     // Appends one report element to a result string, dropped once that is past 999 bytes.
     static void Report(std::string& sResult, const char* pszElem, const char* pszTagName,
                        int nOffset, int nOffset2, const char* pszType = nullptr);
@@ -116,7 +132,6 @@ class CXmlDoc {
 
     // Reading helpers
     std::string_view TagNameView(uint32_t iPos) const;
-    bool ContentRange(uint32_t iPos, uint32_t& nStart, uint32_t& nEnd) const;
     uint32_t FindPos(uint32_t iPosParent, uint32_t iPos, const char* pszPath) const;
     void SetPosFields(uint32_t iParent, uint32_t iMain, uint32_t iChild);
 

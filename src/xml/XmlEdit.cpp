@@ -57,6 +57,59 @@ void CXmlDoc::AdjustOffsets(uint32_t iPos, uint32_t nDelta) {
     }
 }
 
+void CXmlDoc::ReplaceTexts(const std::vector<XmlTextEdit>& aEdits) {
+    // The text, copied once with every edit in its place; and for each edit the offset it
+    // starts at and the growth of the text up to its end.
+    std::vector<uint32_t> aPlaces;
+    std::vector<int64_t> aGrowth;
+    std::string sDoc;
+    size_t nCopied = 0;
+    int64_t nGrowth = 0;
+    for (const XmlTextEdit& edit : aEdits) {
+        if (edit.nPlace < nCopied || edit.nPlace > m_sDoc.size()) {
+            continue;
+        }
+        const size_t nReplace = std::min<size_t>(edit.nReplace, m_sDoc.size() - edit.nPlace);
+        if (sDoc.empty()) {
+            sDoc.reserve(m_sDoc.size() + m_sDoc.size() / 16);
+        }
+        sDoc.append(m_sDoc, nCopied, edit.nPlace - nCopied);
+        sDoc += edit.sText;
+        nCopied = edit.nPlace + nReplace;
+        nGrowth += int64_t(edit.sText.size()) - int64_t(nReplace);
+        aPlaces.push_back(edit.nPlace);
+        aGrowth.push_back(nGrowth);
+        if (edit.iText && IsElem(edit.iText)) {
+            RecW(edit.iText).Clear(kElemIllFormed);
+        }
+    }
+    if (aPlaces.empty()) {
+        return;
+    }
+    sDoc.append(m_sDoc, nCopied, std::string::npos);
+    m_sDoc = std::move(sDoc);
+    m_nDocFlags |= kDocChanged;
+    // An offset moves by the growth of the edits that start before it.
+    auto moved = [&](uint64_t nOffset) {
+        size_t n =
+            size_t(std::lower_bound(aPlaces.begin(), aPlaces.end(), nOffset) - aPlaces.begin());
+        return uint32_t(int64_t(nOffset) + (n ? aGrowth[n - 1] : 0));
+    };
+    m_aPos[0].nLength = uint32_t(m_sDoc.size());
+    for (uint32_t i = 1; i < m_iPosFree; ++i) {
+        ElemPos& elem = m_aPos[i];
+        if (elem.Has(kElemDeleted)) {
+            continue;
+        }
+        const uint32_t nStart = moved(elem.nStart);
+        const uint32_t nTagEnd = moved(uint64_t(elem.nStart) + elem.StartTagLen());
+        const uint32_t nEnd = moved(uint64_t(elem.nStart) + elem.nLength);
+        elem.nStart = nStart;
+        elem.SetStartTagLen(nTagEnd - nStart);
+        elem.nLength = nEnd - nStart;
+    }
+}
+
 bool CXmlDoc::AddElem(const char* pszName, const char* pszValue, uint32_t nFlags) {
     return AddElemImpl(pszName, pszValue, nFlags);
 }
