@@ -40,7 +40,6 @@ const AttribRule kAttribRules[] = {
 };
 
 constexpr const char* kNumberAttrib = "Nr";
-constexpr const char* kTypeElement = "Type";
 
 const AttribRule* FindRule(const std::string& sTag, const std::string& sAttrib) {
     for (const AttribRule& rule : kAttribRules) {
