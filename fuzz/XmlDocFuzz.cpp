@@ -1,6 +1,7 @@
 // Any text as an XML document: parsed, walked and edited as the bytes of its first line say,
 // written back and parsed again. The index must be sound after each step, and on a document
-// that parsed well formed, the edited index must be the one that parsing its text gives.
+// that parsed well formed with plain tags, the edited index must be the one that parsing its
+// text gives.
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
