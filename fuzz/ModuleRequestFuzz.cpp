@@ -5,37 +5,13 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
-#include <mutex>
 
 #include "FuzzKit.h"
 #include "frame/CommandRecord.h"
 #include "raid/EM_TLRAID.h"
+#include "support/FakeRaidDaemon.h"
 
 namespace {
-
-class TreeDaemon : public CIRaidDaemon {
-  public:
-    void Serve(std::string_view tree) {
-        std::lock_guard<std::mutex> lock(m_Mutex);
-        m_sTree = tree;
-    }
-    bool IsInstalled() override { return true; }
-    bool IsServiceRunning() override { return true; }
-    bool ProbeRestServer(uint32_t) override { return true; }
-    bool FetchTree(std::string& xml, uint32_t) override {
-        std::lock_guard<std::mutex> lock(m_Mutex);
-        xml = m_sTree;
-        return true;
-    }
-    bool PostRedfish(const std::string& body, std::string& reply, uint32_t) override {
-        reply = body;
-        return true;
-    }
-
-  private:
-    std::mutex m_Mutex;
-    std::string m_sTree;
-};
 
 class QuietSwitch : public ISwitch {
   public:
@@ -58,12 +34,13 @@ RaidTimings ShortTimings() {
 
 // The module, started on the demo tree; stopped when the process ends.
 struct Session {
-    std::shared_ptr<TreeDaemon> pDaemon = std::make_shared<TreeDaemon>();
+    std::shared_ptr<FakeRaidDaemon> pDaemon = std::make_shared<FakeRaidDaemon>();
     QuietSwitch sw;
     EM_TLRAID module{ShortTimings(), pDaemon};
 
     Session() {
         std::ifstream demo(TLR_SOURCE_DIR "/samples/trees/demo.xml");
+        pDaemon->SetUp(true);
         pDaemon->Serve(std::string(std::istreambuf_iterator<char>(demo), {}));
         module.Start(&sw, 0);
     }
@@ -77,7 +54,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const auto [recordText, tree] = SplitAtSeparator(AsText(data, size));
     CommandRecord record;
     if (record.SetJson(recordText)) {
-        session.pDaemon->Serve(tree);
+        // The tree's text is the pass-through's reply too.
+        session.pDaemon->Serve(std::string(tree));
+        session.pDaemon->SetRedfishReply(std::string(tree));
+        session.pDaemon->ForgetCalls();
         session.module.ClearAllSnapshots();
         session.module.ModuleRequest(&record);
         record.ToJson();

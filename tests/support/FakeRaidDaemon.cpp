@@ -33,6 +33,12 @@ std::vector<std::string> FakeRaidDaemon::RedfishBodies() {
     return m_RedfishBodies;
 }
 
+void FakeRaidDaemon::ForgetCalls() {
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    m_Calls.clear();
+    m_RedfishBodies.clear();
+}
+
 size_t FakeRaidDaemon::WaitForFetches(size_t count, int capMs) {
     std::unique_lock<std::mutex> lock(m_Mutex);
     m_Fetched.wait_for(lock, std::chrono::milliseconds(capMs), [&] { return m_nFetches >= count; });

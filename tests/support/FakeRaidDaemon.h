@@ -30,6 +30,8 @@ class FakeRaidDaemon : public CIRaidDaemon {
     // Every call so far with its time-out, in order: "probe 10", "fetch 8", "redfish 0".
     std::vector<std::string> Calls();
     std::vector<std::string> RedfishBodies();
+    // Forgets the calls and bodies so far, so that a long run's record stays small.
+    void ForgetCalls();
     // Waits until the daemon has had this many fetches or the cap is over; gives the count.
     size_t WaitForFetches(size_t count, int capMs = 60000);
 
