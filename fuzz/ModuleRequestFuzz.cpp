@@ -10,6 +10,7 @@
 #include "frame/CommandRecord.h"
 #include "raid/EM_TLRAID.h"
 #include "support/FakeRaidDaemon.h"
+#include "support/FastTimings.h"
 
 namespace {
 
@@ -20,15 +21,10 @@ class QuietSwitch : public ISwitch {
     uint32_t GetSwitchType() override { return 1; }
 };
 
-RaidTimings ShortTimings() {
-    RaidTimings t;
-    t.nStartDetectWaitMs = t.nThreadDetectWaitMs = 40;
-    t.nInitWaitMs = 20;
-    t.nStopPollEndedWaitMs = 2000;
-    t.nStopWaitMs = 50;
-    t.nSnapshotTries = 2;
-    t.nSnapshotRetrySleepSec = 0;
-    t.nPollIntervalMs = 3600 * 1000;  // one cycle at start only
+// One polling cycle at start, and none while the fuzzer runs.
+RaidTimings OneCycleTimings() {
+    RaidTimings t = FastTimings();
+    t.nPollIntervalMs = 3600 * 1000;
     return t;
 }
 
@@ -36,7 +32,7 @@ RaidTimings ShortTimings() {
 struct Session {
     std::shared_ptr<FakeRaidDaemon> pDaemon = std::make_shared<FakeRaidDaemon>();
     QuietSwitch sw;
-    EM_TLRAID module{ShortTimings(), pDaemon};
+    EM_TLRAID module{OneCycleTimings(), pDaemon};
 
     Session() {
         std::ifstream demo(TLR_SOURCE_DIR "/samples/trees/demo.xml");

@@ -69,27 +69,6 @@ std::string TraceUntil(const std::string& part, size_t times, int capMs) {
     return seen;
 }
 
-RaidTimings FastTimings() {
-    RaidTimings t;
-    t.nStartDetectWaitMs = 40;
-    t.nThreadDetectWaitMs = 40;
-    t.nProbeTimeoutSec = 5;
-    t.nInitTries = 5;
-    t.nInitWaitMs = 20;
-    t.nInitTimeoutSec = 5;
-    t.nStopPollEndedWaitMs = 2000;
-    t.nStopWaitMs = 50;
-    t.nSnapshotTries = 3;
-    t.nSnapshotTimeoutSec = 5;
-    t.nSnapshotRetrySleepSec = 0;
-    t.nSwitchRequestTimeoutMs = 5000;
-    t.nSwitchStartedTreeTimeoutSec = 5;
-    // One polling cycle at start, then a wait that outlasts the test; the polling tests set
-    // a short cycle themselves.
-    t.nPollIntervalMs = 60000;
-    return t;
-}
-
 std::string SampleTree(const std::string& name) {
     return ReadWholeFile(SourcePath("samples/trees/" + name));
 }

@@ -15,6 +15,7 @@
 #include "rest/RestConstants.h"
 #include "storage/TLRaidData.h"
 #include "support/FakeRaidDaemon.h"
+#include "support/FastTimings.h"
 
 // A switch that keeps the requests it gets, answers them by object code and drops events.
 class FakeSwitch : public ISwitch {
@@ -43,9 +44,6 @@ bool Has(const std::string& text, const std::string& part);
 size_t Count(const std::string& text, const std::string& part);
 // Takes the trace until the part has shown up this often or the cap is over; gives all taken.
 std::string TraceUntil(const std::string& part, size_t times = 1, int capMs = 60000);
-
-// Waits, tries and time-outs short enough for tests.
-RaidTimings FastTimings();
 
 // A module against a RAID manager in memory, which serves a tree that the test may replace.
 class RaidModuleTest : public ::testing::Test {
