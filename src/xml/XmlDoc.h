@@ -69,15 +69,17 @@ class CXmlDoc {
     bool RestorePos(const char* pszName = "", int nMap = 0);  // goes back to a kept position
 
     // Reading
-    std::string GetTagName() const;                   // name at main, empty if none
-    std::string GetElemTagName(uint32_t iPos) const;  // name of that element
-    std::string GetData(uint32_t iPos) const;         // text of a leaf element, unescaped
-    std::string GetChildData() const;                 // GetData at the child position
+    std::string GetTagName() const;                     // name at main, empty if none
+    std::string_view TagNameView(uint32_t iPos) const;  // name of that element, in the text
+    std::string GetElemTagName(uint32_t iPos) const;    // name of that element
+    std::string GetData(uint32_t iPos) const;           // text of a leaf element, unescaped
+    std::string GetChildData() const;                   // GetData at the child position
     std::string GetAttrib(uint32_t iPos, const char* pszName) const;  // unescaped value
-    std::string GetAttribName(int nIndex) const;   // name of main's nIndex-th attribute
-    std::string GetSubDoc(uint32_t iPos) const;    // the element's markup
-    std::string GetDoc() const { return m_sDoc; }  // a copy of the whole text
-    std::string GetElemPath() const;               // path of main, with [n] where needed
+    std::string GetAttribName(int nIndex) const;              // name of main's nIndex-th attribute
+    std::string GetSubDoc(uint32_t iPos) const;               // the element's markup
+    std::string GetDoc() const { return m_sDoc; }             // a copy of the whole text
+    const std::string& GetDocText() const { return m_sDoc; }  // the whole text in place
+    std::string GetElemPath() const;                          // path of main, with [n] where needed
 
     // Editing
     bool AddElem(const char* pszName, const char* pszValue = nullptr, uint32_t nFlags = 0);
@@ -97,6 +99,7 @@ class CXmlDoc {
 
     // Text conversions
     static std::string EscapeText(std::string_view sText, uint32_t nFlags);
+    static void AppendEscaped(std::string& sOut, std::string_view sText, uint32_t nFlags);
     static std::string UnescapeText(const char* pText, int nLength, uint32_t nFlags = 0);
     static std::string UnescapeText(std::string_view sText);
     // Writes a code point as UTF-8 at pOut + nLength (only counts with pOut null); adds the count.
@@ -131,7 +134,6 @@ class CXmlDoc {
     uint32_t ParseElements(uint32_t iPosTop, XmlScanner& scanner);
 
     // Reading helpers
-    std::string_view TagNameView(uint32_t iPos) const;
     uint32_t FindPos(uint32_t iPosParent, uint32_t iPos, const char* pszPath) const;
     void SetPosFields(uint32_t iParent, uint32_t iMain, uint32_t iChild);
 

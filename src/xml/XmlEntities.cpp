@@ -50,6 +50,11 @@ long ReadRef(const char* p, size_t nAvail, size_t& nRefLen) {
 std::string CXmlDoc::EscapeText(std::string_view sText, uint32_t nFlags) {
     std::string sOut;
     sOut.reserve(sText.size() + sText.size() / 10 + 7);
+    AppendEscaped(sOut, sText, nFlags);
+    return sOut;
+}
+
+void CXmlDoc::AppendEscaped(std::string& sOut, std::string_view sText, uint32_t nFlags) {
     bool bAttrib = (nFlags & XmlAttribText) != 0;
     size_t nRun = 0;  // start of the bytes not yet copied
     for (size_t i = 0; i < sText.size(); ++i) {
@@ -82,7 +87,6 @@ std::string CXmlDoc::EscapeText(std::string_view sText, uint32_t nFlags) {
         }
     }
     sOut.append(sText.data() + nRun, sText.size() - nRun);
-    return sOut;
 }
 
 std::string CXmlDoc::UnescapeText(const char* pText, int nLength, uint32_t /*nFlags*/) {
