@@ -8,9 +8,13 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
+#include <memory>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
+
+#include "xml/XmlAttribScan.h"
 
 namespace {
 
@@ -19,7 +23,7 @@ constexpr size_t kNone = SIZE_MAX;
 // One element among its siblings.
 struct Sibling {
     uint32_t iPos = 0;
-    std::string sName;
+    std::string_view sName;    // in the document's text, which the writer leaves unchanged
     uint32_t nNth = 0;         // elements of this name up to and including this one
     size_t nNextSame = kNone;  // the next sibling of the same name
     bool bPathName = false;    // the name reads as a path of its own, see IsPathName
@@ -42,15 +46,32 @@ struct Frame {
     bool bInArray = false;
     std::vector<size_t> aArray;
     size_t nArrayStep = 0;
+
+    // Back to a new frame's state; the lists keep their memory for the next use.
+    void Reset() {
+        aKids.clear();
+        iParent = 0;
+        nNext = nEnd = nFirst = 0;
+        nIndexBase = 0;
+        nDepth = 1;
+        sPath.clear();
+        bPathKnown = bClose = bInArray = false;
+        aArray.clear();
+        nArrayStep = 0;
+    }
 };
 
 // A name with brackets, "*" or no name at all means more than itself to a search by name,
 // which the writer does for later siblings; for these the document's own search is asked.
-bool IsPathName(const std::string& sName) {
-    return sName.empty() || sName == "*" || sName.find_first_of("[]") != std::string::npos;
+bool IsPathName(std::string_view sName) {
+    return sName.empty() || sName == "*" ||
+           std::any_of(sName.begin(), sName.end(), [](char c) { return c == '[' || c == ']'; });
 }
 
-bool IsNumber(const std::string& s) {
+// Sibling lists up to this long find the earlier ones of a name by looking through them.
+constexpr size_t kShortList = 16;
+
+bool IsNumber(std::string_view s) {
     return std::all_of(s.begin(), s.end(), [](char c) { return c >= '0' && c <= '9'; }) &&
            (s.size() < 2 || s[0] != '0');
 }
@@ -72,21 +93,24 @@ class JsonWriter {
 
     // The members of the top-level elements; false if there is none.
     bool WriteDocument(int nDepth) {
-        Frame frame;
-        frame.aKids = Siblings(TopLevel());
+        Frame& frame = PushFrame();
+        TopLevel(frame.aKids);
         frame.nEnd = frame.aKids.size();
         frame.nDepth = nDepth;
         frame.bPathKnown = !m_ArrayList.empty();
         bool bAny = !frame.aKids.empty();
-        m_aFrames.push_back(std::move(frame));
         Run();
         return bAny;
     }
 
     // The member of one element, which stands among the children of iParent.
     void WriteMember(uint32_t iParent, uint32_t iPos, uint64_t nIndex, int nDepth) {
-        Frame frame;
-        frame.aKids = Siblings(iParent ? Children(iParent) : TopLevel());
+        Frame& frame = PushFrame();
+        if (iParent) {
+            Children(iParent, frame.aKids);
+        } else {
+            TopLevel(frame.aKids);
+        }
         frame.iParent = iParent;
         for (size_t k = 0; k < frame.aKids.size(); ++k) {
             if (frame.aKids[k].iPos == iPos) {
@@ -101,7 +125,6 @@ class JsonWriter {
             m_Doc.SetPos(0, iParent, 0);
             frame.sPath = m_Doc.GetElemPath();
         }
-        m_aFrames.push_back(std::move(frame));
         Run();
     }
 
@@ -112,36 +135,59 @@ class JsonWriter {
             m_Doc.SetPos(0, iPos, 0);
             sPath = m_Doc.GetElemPath();
         }
-        WriteValue(iPos, std::move(sPath), !m_ArrayList.empty(), nDepth);
+        WriteValue(iPos, sPath, !m_ArrayList.empty(), nDepth);
         Run();
     }
 
   private:
-    std::vector<uint32_t> TopLevel() {
-        std::vector<uint32_t> aPos;
+    // The frames in use are the first m_nFrames; each stays at its address while others are
+    // pushed, and keeps its memory when popped.
+    Frame& PushFrame() {
+        if (m_nFrames == m_aFrames.size()) {
+            m_aFrames.push_back(std::make_unique<Frame>());
+        }
+        Frame& frame = *m_aFrames[m_nFrames++];
+        frame.Reset();
+        return frame;
+    }
+
+    void TopLevel(std::vector<Sibling>& aKids) {
         m_Doc.ResetPos();
         while (m_Doc.FindElem()) {
-            aPos.push_back(m_Doc.GetMainPos());
+            aKids.emplace_back();
+            aKids.back().iPos = m_Doc.GetMainPos();
         }
-        return aPos;
+        Siblings(aKids);
     }
 
-    std::vector<uint32_t> Children(uint32_t iPos) {
-        std::vector<uint32_t> aPos;
-        m_Doc.SetPos(0, iPos, 0);
-        while (m_Doc.FindChildElem()) {
-            aPos.push_back(m_Doc.GetChildPos());
+    void Children(uint32_t iPos, std::vector<Sibling>& aKids) {
+        for (uint32_t iKid = m_Doc.GetRecord(iPos).iElemChild; iKid;
+             iKid = m_Doc.GetRecord(iKid).iElemNext) {
+            aKids.emplace_back();
+            aKids.back().iPos = iKid;
         }
-        return aPos;
+        Siblings(aKids);
     }
 
-    // The siblings with what each one needs to know about the others of its name.
-    std::vector<Sibling> Siblings(const std::vector<uint32_t>& aPos) {
-        std::vector<Sibling> aKids(aPos.size());
-        for (size_t k = 0; k < aPos.size(); ++k) {
-            aKids[k].iPos = aPos[k];
-            aKids[k].sName = m_Doc.GetElemTagName(aPos[k]);
-            aKids[k].bPathName = IsPathName(aKids[k].sName);
+    // What each sibling needs to know about the others of its name.
+    void Siblings(std::vector<Sibling>& aKids) {
+        for (Sibling& kid : aKids) {
+            kid.sName = m_Doc.TagNameView(kid.iPos);
+            kid.bPathName = IsPathName(kid.sName);
+        }
+        if (aKids.size() <= kShortList) {
+            for (size_t k = 0; k < aKids.size(); ++k) {
+                size_t j = k;
+                while (j-- > 0 && aKids[j].sName != aKids[k].sName) {
+                }
+                if (j != kNone) {
+                    aKids[j].nNextSame = k;
+                    aKids[k].nNth = aKids[j].nNth + 1;
+                } else {
+                    aKids[k].nNth = 1;
+                }
+            }
+            return;
         }
         // By name: how many so far, and the last one seen.
         std::unordered_map<std::string_view, std::pair<uint32_t, size_t>> names;
@@ -153,7 +199,6 @@ class JsonWriter {
             }
             aKids[k].nNth = ++it->second.first;
         }
-        return aKids;
     }
 
     // The path of a sibling, from its parent's, while an entry could still match.
@@ -170,25 +215,25 @@ class JsonWriter {
         return sPath.size() <= m_nLongestEntry;
     }
 
-    bool OnList(const Frame& frame, const Sibling& kid) const {
-        std::string sPath;
-        return ChildPath(frame, kid, sPath) &&
-               std::find(m_ArrayList.begin(), m_ArrayList.end(), sPath) != m_ArrayList.end();
+    bool OnList(const Frame& frame, const Sibling& kid) {
+        return ChildPath(frame, kid, m_sPath) &&
+               std::find(m_ArrayList.begin(), m_ArrayList.end(), m_sPath) != m_ArrayList.end();
     }
 
     // The siblings behind aKids[k] that belong to its array.
-    std::vector<size_t> LaterOfName(const Frame& frame, size_t k) {
-        std::vector<size_t> aLater;
+    void LaterOfName(const Frame& frame, size_t k, std::vector<size_t>& aLater) {
+        aLater.clear();
         const Sibling& kid = frame.aKids[k];
         if (!kid.bPathName) {
             for (size_t j = kid.nNextSame; j != kNone; j = frame.aKids[j].nNextSame) {
                 aLater.push_back(j);
             }
-            return aLater;
+            return;
         }
         m_Doc.SetPos(frame.iParent, kid.iPos, 0);
         size_t j = k + 1;
-        while (m_Doc.FindElem(kid.sName.c_str())) {
+        const std::string sName(kid.sName);
+        while (m_Doc.FindElem(sName.c_str())) {
             while (j < frame.aKids.size() && frame.aKids[j].iPos != m_Doc.GetMainPos()) {
                 ++j;
             }
@@ -197,12 +242,11 @@ class JsonWriter {
             }
             aLater.push_back(j++);
         }
-        return aLater;
     }
 
     void Run() {
-        while (!m_aFrames.empty()) {
-            Frame& frame = m_aFrames.back();
+        while (m_nFrames > 0) {
+            Frame& frame = *m_aFrames[m_nFrames - 1];
             if (frame.bInArray) {
                 if (frame.nArrayStep < frame.aArray.size()) {
                     size_t k = frame.aArray[frame.nArrayStep++];
@@ -219,7 +263,7 @@ class JsonWriter {
             if (frame.nNext == frame.nEnd) {
                 const bool bClose = frame.bClose;
                 const int nDepth = frame.nDepth;
-                m_aFrames.pop_back();
+                --m_nFrames;
                 if (bClose) {
                     NewLine(nDepth - 1);
                     m_sOut += '}';
@@ -230,7 +274,7 @@ class JsonWriter {
         }
     }
 
-    // A member; the frame may be gone afterwards, as the value may push one.
+    // A member; its value may push a frame for its children.
     void WriteKidMember(Frame& frame, size_t k) {
         const Sibling& kid = frame.aKids[k];
         const uint64_t nIndex = frame.nIndexBase + (k - frame.nFirst);
@@ -241,8 +285,8 @@ class JsonWriter {
         if (bHasPrev) {
             return;  // written with the first of its name
         }
-        std::vector<size_t> aLater = LaterOfName(frame, k);
-        const bool bArray = !aLater.empty() || (!m_ArrayList.empty() && OnList(frame, kid));
+        LaterOfName(frame, k, m_aLater);
+        const bool bArray = !m_aLater.empty() || (!m_ArrayList.empty() && OnList(frame, kid));
         if (nIndex != 0) {
             m_sOut += ',';
         }
@@ -256,33 +300,30 @@ class JsonWriter {
         }
         m_sOut += '[';
         frame.bInArray = true;
-        frame.aArray = std::move(aLater);
+        frame.aArray.swap(m_aLater);
         frame.nArrayStep = 0;
         WriteKidValue(frame, k, frame.nDepth + 1);
     }
 
     void WriteKidValue(const Frame& frame, size_t k, int nDepth) {
-        std::string sPath;
-        bool bKnown = ChildPath(frame, frame.aKids[k], sPath);
-        WriteValue(frame.aKids[k].iPos, std::move(sPath), bKnown, nDepth);
+        bool bKnown = ChildPath(frame, frame.aKids[k], m_sPath);
+        WriteValue(frame.aKids[k].iPos, m_sPath, bKnown, nDepth);
     }
 
     // Writes a leaf whole; for an element with children, its attributes, and a frame for the
     // children.
-    void WriteValue(uint32_t iPos, std::string sPath, bool bPathKnown, int nDepth) {
-        m_Doc.SetPos(0, iPos, 0);
-        const bool bChildren = m_Doc.FindChildElem();
+    void WriteValue(uint32_t iPos, const std::string& sPath, bool bPathKnown, int nDepth) {
+        const bool bChildren = m_Doc.GetRecord(iPos).iElemChild != 0;
         int nInner = nDepth;
         if (bChildren) {
             m_sOut += '{';
             ++nInner;
         }
         uint64_t nAttribs = 0;
-        for (int i = 0; m_bAttributes; ++i) {
-            const std::string sName = m_Doc.GetAttribName(i);
-            if (sName.empty()) {
-                break;
-            }
+        XmlAttribScan scan(m_Doc, iPos);
+        XmlAttribScan::Item item;
+        m_aFirstValues.clear();
+        while (m_bAttributes && scan.Next(item)) {
             if (nAttribs) {
                 m_sOut += ',';
             } else if (!bChildren) {
@@ -291,9 +332,9 @@ class JsonWriter {
             }
             NewLine(nInner);
             m_sOut += "\"@";
-            m_sOut += sName;
+            m_sOut += scan.Name(item);
             m_sOut += "\":";
-            WriteAttribValue(m_Doc.GetAttrib(iPos, sName.c_str()));
+            WriteAttribValue(FirstValue(iPos, scan, item));
             ++nAttribs;
         }
         if (!bChildren) {
@@ -302,25 +343,60 @@ class JsonWriter {
                 NewLine(nInner);
                 m_sOut += "\"#text\":";
             }
-            WriteText(m_Doc.GetData(iPos));
+            WriteLeafText(iPos);
             if (nAttribs) {
                 m_sOut += '}';
             }
             return;
         }
-        Frame frame;
-        frame.aKids = Siblings(Children(iPos));
+        Frame& frame = PushFrame();
+        Children(iPos, frame.aKids);
         frame.iParent = iPos;
         frame.nEnd = frame.aKids.size();
         frame.nIndexBase = nAttribs;
         frame.nDepth = nInner;
-        frame.sPath = std::move(sPath);
+        if (bPathKnown) {
+            frame.sPath = sPath;
+        }
         frame.bPathKnown = bPathKnown;
         frame.bClose = true;
-        m_aFrames.push_back(std::move(frame));
     }
 
-    void WriteAttribValue(const std::string& sValue) {
+    // The value of the first attribute of the item's name, as a search by name finds it (the
+    // name as a C string reads it).
+    const std::string& FirstValue(uint32_t iPos, const XmlAttribScan& scan,
+                                  const XmlAttribScan::Item& item) {
+        const std::string_view sName = scan.Name(item);
+        if (sName.find('\0') != std::string_view::npos) {
+            m_sValue = m_Doc.GetAttrib(iPos, std::string(sName).c_str());
+            return m_sValue;
+        }
+        for (const auto& [sEarlier, sValue] : m_aFirstValues) {
+            if (sEarlier == sName) {
+                return sValue;
+            }
+        }
+        m_aFirstValues.emplace_back(sName, scan.Value(item));
+        return m_aFirstValues.back().second;
+    }
+
+    // A leaf's text, unescaped; text without references or markup reads as it stands.
+    void WriteLeafText(uint32_t iPos) {
+        const ElemPos& elem = m_Doc.GetRecord(iPos);
+        uint32_t nStart, nEnd;
+        if (!elem.iElemChild && elem.nLength != elem.StartTagLen() &&
+            m_Doc.ContentRange(iPos, nStart, nEnd)) {
+            const std::string_view sRaw(m_Doc.GetDocText().data() + nStart, nEnd - nStart);
+            if (!std::memchr(sRaw.data(), '&', sRaw.size()) &&
+                !std::memchr(sRaw.data(), '<', sRaw.size())) {
+                WriteText(sRaw);
+                return;
+            }
+        }
+        WriteText(m_Doc.GetData(iPos));
+    }
+
+    void WriteAttribValue(std::string_view sValue) {
         if (m_bNumbers && IsNumber(sValue)) {
             m_sOut += sValue;  // an empty value leaves nothing behind the colon
             return;
@@ -330,7 +406,7 @@ class JsonWriter {
         m_sOut += '"';
     }
 
-    void WriteText(const std::string& sText) {
+    void WriteText(std::string_view sText) {
         if (sText.empty()) {
             m_sOut += "\"\"";
             return;
@@ -363,7 +439,13 @@ class JsonWriter {
     const bool m_bAttributes;
     const bool m_bPretty;
     size_t m_nLongestEntry = 0;
-    std::vector<Frame> m_aFrames;
+    std::vector<std::unique_ptr<Frame>> m_aFrames;
+    size_t m_nFrames = 0;
+    std::vector<size_t> m_aLater;  // scratch of WriteKidMember, swapped into a frame
+    std::string m_sPath;           // scratch of the paths of children
+    // Scratch space of WriteValue: the first value of each attribute name of one element.
+    std::vector<std::pair<std::string_view, std::string>> m_aFirstValues;
+    std::string m_sValue;
 };
 
 // Puts the three positions back as they were.
