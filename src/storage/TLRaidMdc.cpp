@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "runtime/DebugClient.h"
+#include "storage/KeepPos.h"
 #include "storage/TLRaidData.h"
 
 namespace {
@@ -32,26 +33,38 @@ std::string DriveKey(const std::string& sAdapterName, uint32_t nAdapter, uint32_
 std::map<std::string, int16_t> CTLRaidData::GetMDCProgressMap() {
     TLR_TRACE(5, "\nCTLRaidData::GetMDCProgressMap - Start.");
     std::map<std::string, int16_t> progress;
-    for (uint32_t nAdapter = 0; nAdapter < GetAdapterCount(); ++nAdapter) {
+    // The adapters and their drives are each gone through once, in order, and cut out as the
+    // cutting of one by its index would cut it.
+    const uint32_t nAdapters = GetAdapterCount();
+    CKeepPos keep(*this);
+    if (nAdapters && FindElem(kStorageTreeRoot) && IntoElem()) {
+        FindElem("System");
+    }
+    for (uint32_t nAdapter = 0; nAdapter < nAdapters; ++nAdapter) {
         CTLRaidData adapter;
-        if (!GetAdapterData(adapter, nAdapter)) {
+        if (!FindChildElem("Adapter")) {
             TLR_TRACE(4, "\nCTLRaidData::GetMDCProgressMap - WARN # GetRaidAdapterData failed!");
             continue;
         }
+        adapter.SetDoc(GetSubDoc(GetChildPos()));
         // The child element Name, not the attribute of that name.
         std::string sName;
         if (adapter.FindElem("Adapter") && adapter.FindChildElem("Name")) {
             sName = adapter.GetChildData();
         }
         TLR_TRACE(5, "\nCTLRaidData::GetMDCProgressMap - Check adapter '%s'", sName.c_str());
-        for (uint32_t nDrive = 0; nDrive < CountLogicalDrives(adapter); ++nDrive) {
+        const uint32_t nDrives = CountLogicalDrives(adapter);
+        adapter.ResetPos();
+        adapter.FindElem("Adapter");
+        for (uint32_t nDrive = 0; nDrive < nDrives; ++nDrive) {
             CTLRaidData drive;
-            if (!adapter.GetRaidLogicalDriveData(drive, nDrive)) {
+            if (!adapter.FindChildElem("LogicalDrive")) {
                 TLR_TRACE(4,
                           "\nCTLRaidData::GetMDCProgressMap - WARN # GetRaidLogicalDriveData "
                           "failed!");
                 continue;
             }
+            drive.SetDoc(adapter.GetSubDoc(adapter.GetChildPos()));
             const std::string sKey = DriveKey(sName, nAdapter, nDrive);
             if (drive.FindElem("LogicalDrive") && drive.FindChildElem("MDCProgress")) {
                 // Cut to 16 bits: 65535 reads as -1, the same as no MDC at all.
