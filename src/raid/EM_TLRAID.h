@@ -80,11 +80,14 @@ class EM_TLRAID : public CExtensionModule {
 
   private:
     void StartPollingThread();
-    bool FetchFirstSnapshot(CTLRaidData& doc, uint32_t clientId, std::string& text);
+    using SnapshotText = std::shared_ptr<const std::string>;
+    bool FetchFirstSnapshot(CTLRaidData& doc, uint32_t clientId, SnapshotText& text);
     void StorageDeviceTreePolling(bool bCabinetsEmpty);
     void PollOnce(bool bCabinetsEmpty, MdcProgressMap& mdcPrevious, time_t& tLastSmartCheck);
 
-    std::map<uint32_t, std::string> m_Snapshots;
+    // A snapshot's text is never changed in place, only replaced: a request parses the text
+    // it took under the lock after letting go of the lock.
+    std::map<uint32_t, SnapshotText> m_Snapshots;
     CRecursiveLock m_TLRaidSnapshotLock;
     std::shared_ptr<CIRaidDaemon> m_pDaemon;
     CEvent m_evRetryWait;

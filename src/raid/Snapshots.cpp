@@ -9,6 +9,8 @@
 bool EM_TLRAID::TLRaidDataGetSnapshot(CTLRaidData& doc, uint32_t clientId) {
     TLR_TRACE(5, "\nEM_TLRAID (GetSnap) : -> TLRaidDataGetSnapshot (CTLRaidData)");
     bool result = false;
+    // A snapshot found is parsed outside the lock, so that clients read theirs side by side.
+    SnapshotText found;
     {
         CRecursiveLockGuard guard(m_TLRaidSnapshotLock);
         try {
@@ -16,22 +18,35 @@ bool EM_TLRAID::TLRaidDataGetSnapshot(CTLRaidData& doc, uint32_t clientId) {
                       "\nEM_TLRAID (GetSnap) :   snapshot lock granted, return snapshot data of "
                       "client 0x%08X (%d snapshots in list)...",
                       clientId, static_cast<int>(m_Snapshots.size()));
-            auto found = m_Snapshots.find(clientId);
-            if (found != m_Snapshots.end()) {
+            auto entry = m_Snapshots.find(clientId);
+            if (entry != m_Snapshots.end()) {
                 // An entry once made is not fetched again here, even when its text is no tree.
                 TLR_TRACE(4,
                           "\nEM_TLRAID (GetSnap) :   snapshot found, return RAID data from "
                           "snapshot");
-                doc.SetDoc(found->second);
-                result = doc.IsValid();
+                found = entry->second;
             } else {
                 TLR_TRACE(4, "\nEM_TLRAID (GetSnap) :   new TLRAID snapshot created");
-                result = FetchFirstSnapshot(doc, clientId, m_Snapshots[clientId]);
+                SnapshotText& text = m_Snapshots[clientId];
+                text = std::make_shared<const std::string>();
+                result = FetchFirstSnapshot(doc, clientId, text);
                 TLR_TRACE(3,
                           "\nEM_TLRAID (GetSnap) : CID 0x%08X: Added TLRAID snapshot (%u "
                           "snapshots in list)",
                           clientId, static_cast<unsigned>(m_Snapshots.size()));
             }
+        } catch (...) {
+            TLR_TRACE(1,
+                      "\nEM_TLRAID (GetSnap) : CID 0x%08X: ERROR! Exception in "
+                      "GetRaidDataSnapshot",
+                      clientId);
+            result = false;
+        }
+    }
+    if (found) {
+        try {
+            doc.SetDoc(*found);
+            result = doc.IsValid();
         } catch (...) {
             TLR_TRACE(1,
                       "\nEM_TLRAID (GetSnap) : CID 0x%08X: ERROR! Exception in "
@@ -47,7 +62,7 @@ bool EM_TLRAID::TLRaidDataGetSnapshot(CTLRaidData& doc, uint32_t clientId) {
 
 // The tries of a client's first fetch, under the snapshot lock. The text of the last try
 // stays in the entry, valid or not.
-bool EM_TLRAID::FetchFirstSnapshot(CTLRaidData& doc, uint32_t clientId, std::string& text) {
+bool EM_TLRAID::FetchFirstSnapshot(CTLRaidData& doc, uint32_t clientId, SnapshotText& text) {
     if (m_bSwitchShutdown)
         return false;
     for (uint32_t attempt = 1; attempt <= m_Timings.nSnapshotTries; ++attempt) {
@@ -56,10 +71,10 @@ bool EM_TLRAID::FetchFirstSnapshot(CTLRaidData& doc, uint32_t clientId, std::str
         std::string xml;
         if (!m_pDaemon->FetchTree(xml, m_Timings.nSnapshotTimeoutSec))
             return false;
-        text = xml;
-        doc.SetDoc(text);
+        text = std::make_shared<const std::string>(std::move(xml));
+        doc.SetDoc(*text);
         TLR_TRACE(6, "\nEM_TLRAID (GetSnap) : CID 0x%08X: TLRAID XML snapshot data: \n%s", clientId,
-                  text.c_str());
+                  text->c_str());
         if (doc.IsValid()) {
             TLR_TRACE(2, "\nEM_TLRAID (GetSnap) : CID 0x%08X: Got valid TLRAID XML snpashot",
                       clientId);
@@ -89,13 +104,13 @@ bool EM_TLRAID::TLRaidDataUpdateSnapshot(uint32_t clientId) {
                 "\nEM_TLRAID (UpdSnap) :   snapshot lock granted, updating snapshot of client "
                 "0x%08X (%d snapshots in list)...",
                 clientId, static_cast<int>(m_Snapshots.size()));
-            auto read = [&](std::string& text) {
+            auto read = [&](SnapshotText& text) {
                 std::string xml;
                 if (m_pDaemon->FetchTree(xml, m_Timings.nSnapshotTimeoutSec)) {
                     TLR_TRACE(4,
                               "\nEM_TLRAID (UpdSnap) :   RAID data successfully read, update "
                               "snapshot");
-                    text = xml;
+                    text = std::make_shared<const std::string>(std::move(xml));
                     return true;
                 }
                 TLR_TRACE(1, "\nEM_TLRAID (UpdSnap) : ## ERROR! Failed to read TLRAID data");
@@ -112,7 +127,8 @@ bool EM_TLRAID::TLRaidDataUpdateSnapshot(uint32_t clientId) {
                 TLR_TRACE(4,
                           "\nEM_TLRAID (UpdSnap) :   snapshot not yet available, read RAID data "
                           "and create new snapshot");
-                std::string& text = m_Snapshots[clientId];
+                SnapshotText& text = m_Snapshots[clientId];
+                text = std::make_shared<const std::string>();
                 TLR_TRACE(4, "\nEM_TLRAID (UpdSnap) :   new TLRAID snapshot created");
                 result = read(text);
                 TLR_TRACE(3,

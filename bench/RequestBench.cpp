@@ -1,0 +1,245 @@
+// Requests as a client of the switch makes them: a started module in this process, its daemon
+// replaced by one in memory, every client's snapshot filled before the clock starts. Each
+// figure "parses" is the time of one request over one CXmlDoc parse of the same tree. Trees
+// come from gen-tree (about 10 KB, 1 MB and 20 MB) and from the growth series; besides them,
+// one polling cycle without the network, the MDC progress map as logical drives grow, and
+// requests of 1, 2 and 4 clients side by side.
+#include <benchmark/benchmark.h>
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "GrowthTreeGen.h"
+#include "ParseRatio.h"
+#include "TreeWriter.h"
+#include "frame/CommandRecord.h"
+#include "frame/SwitchProtocol.h"
+#include "raid/EM_TLRAID.h"
+#include "storage/TLRaidData.h"
+#include "support/FakeRaidDaemon.h"
+#include "support/FastTimings.h"
+
+namespace {
+
+class QuietSwitch : public ISwitch {
+  public:
+    int SendRequest(CIExtensionModule*, CommandRecord*, uint32_t) override { return 0; }
+    int SendEvent(CIExtensionModule*, CommandRecord*) override { return 0; }
+    uint32_t GetSwitchType() override { return 1; }
+};
+
+// The trees by number: 0-2 gen-tree's sizes, 10 + 3 * direction + step the growth series.
+enum TreeSize { kSmall, kMedium, kLarge };
+constexpr int64_t kGrowthTrees = 10;
+
+GenTreeOptions SizeOptions(int64_t nSize) {
+    GenTreeOptions options;
+    if (nSize == kSmall) {  // about 10 KB
+        options.nAdapters = 1;
+        options.nPorts = 1;
+        options.nDrives = 7;
+        options.nLogicalDrives = 1;
+    } else if (nSize == kMedium) {  // about 1 MB
+        options.nDrives = 345;
+        options.nLogicalDrives = 8;
+    } else {  // about 20 MB
+        options.nPorts = 4;
+        options.nDrives = 3450;
+        options.nLogicalDrives = 64;
+    }
+    return options;
+}
+
+const std::string& Tree(int64_t nTree) {
+    static std::map<int64_t, std::string> trees;
+    std::string& text = trees[nTree];
+    if (text.empty()) {
+        if (nTree < kGrowthTrees) {
+            text = WriteTree(SizeOptions(nTree));
+        } else {
+            const int64_t nDirection = (nTree - kGrowthTrees) / 3;
+            const int nFactor = nTree % 3 == 1 ? 1 : nTree % 3 == 2 ? 10 : 100;
+            GrowthShape shape = {20, 5, 2};
+            int* pGrown = nDirection == 0   ? &shape.nDrives
+                          : nDirection == 1 ? &shape.nDepth
+                                            : &shape.nAttribs;
+            *pGrown *= nFactor;
+            text = GrowthTreeGen::Make(shape);
+        }
+    }
+    return text;
+}
+
+// One polling cycle at start, then none while the benchmarks run.
+RaidTimings QuietTimings() {
+    RaidTimings t = FastTimings();
+    t.nPollIntervalMs = 3600 * 1000;
+    return t;
+}
+
+// The module, started once on the first tree asked for and stopped when the process ends.
+struct Session {
+    std::shared_ptr<FakeRaidDaemon> pDaemon = std::make_shared<FakeRaidDaemon>();
+    QuietSwitch sw;
+    EM_TLRAID module{QuietTimings(), pDaemon};
+    int64_t nServed = -1;
+
+    Session() {
+        pDaemon->SetUp(true);
+        pDaemon->Serve(Tree(kSmall));
+        module.Start(&sw, 0);
+    }
+    ~Session() { module.Stop(); }
+
+    // The daemon serves this tree; snapshots of another tree are dropped.
+    void Serve(int64_t nTree) {
+        if (nServed != nTree) {
+            pDaemon->Serve(Tree(nTree));
+            module.ClearAllSnapshots();
+            nServed = nTree;
+        }
+    }
+
+    static Session& Get() {
+        static Session session;
+        return session;
+    }
+};
+
+std::string RecordText(uint32_t nOc, uint32_t nOe, uint32_t nClient) {
+    return "{\"SIP\":{\"V\":1,\"CMD\":[{\"OC\":" + std::to_string(nOc) +
+           ",\"OE\":" + std::to_string(nOe) + ",\"OI\":0,\"CI\":" + std::to_string(nClient) +
+           "}]}}";
+}
+
+void Ask(EM_TLRAID& module, const std::string& text) {
+    CommandRecord record;
+    record.SetJson(text);
+    module.ModuleRequest(&record);
+    benchmark::DoNotOptimize(record.ToJson());
+}
+
+template <uint32_t nOc, uint32_t nOe = 0>
+void Request(benchmark::State& state) {
+    Session& session = Session::Get();
+    const int64_t nTree = state.range(0);
+    if (state.thread_index() == 0) {
+        session.Serve(nTree);
+    }
+    const std::string text = RecordText(nOc, nOe, uint32_t(state.thread_index()) + 1);
+    Ask(session.module, text);  // fills this client's snapshot
+    double dSeconds = 0;
+    for (auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        Ask(session.module, text);
+        dSeconds += SecondsSince(start);
+    }
+    state.SetItemsProcessed(state.iterations());
+    if (state.thread_index() == 0) {
+        state.counters["parses"] =
+            dSeconds / double(state.iterations()) / ParseSeconds(Tree(nTree));
+        state.counters["KiB"] = double(Tree(nTree).size()) / 1024;
+    }
+}
+
+// One polling cycle: a module of its own polls without a pause, and each step of the
+// benchmark waits for its daemon's next fetch, which begins the next cycle.
+void PollingCycle(benchmark::State& state) {
+    const std::string& tree = Tree(state.range(0));
+    auto pDaemon = std::make_shared<FakeRaidDaemon>();
+    pDaemon->SetUp(true);
+    pDaemon->Serve(tree);
+    RaidTimings timings = FastTimings();
+    timings.nPollIntervalMs = 0;
+    QuietSwitch sw;
+    EM_TLRAID module(timings, pDaemon);
+    module.Start(&sw, 0);
+    size_t nFetches = pDaemon->WaitForFetches(2);
+    const auto start = std::chrono::steady_clock::now();
+    for (auto _ : state) {
+        nFetches = pDaemon->WaitForFetches(nFetches + 1);
+    }
+    const double dCycle = SecondsSince(start) / double(state.iterations());
+    module.Stop();
+    state.counters["parses"] = dCycle / ParseSeconds(tree);
+    state.counters["KiB"] = double(tree.size()) / 1024;
+}
+
+// The MDC progress map of one adapter with 8, 80 and 800 logical drives of 4 drives each.
+void MdcMap(benchmark::State& state) {
+    static std::map<int64_t, std::string> trees;
+    std::string& text = trees[state.range(0)];
+    if (text.empty()) {
+        GenTreeOptions options;
+        options.nAdapters = 1;
+        options.nPorts = 1;
+        options.nLogicalDrives = uint32_t(state.range(0));
+        options.nDrives = 4 * options.nLogicalDrives;
+        text = WriteTree(options);
+    }
+    double dSeconds = 0;
+    for (auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        CTLRaidData tree;
+        tree.SetDoc(text);
+        benchmark::DoNotOptimize(tree.GetMDCProgressMap().size());
+        dSeconds += SecondsSince(start);
+    }
+    state.counters["parses"] = dSeconds / double(state.iterations()) / ParseSeconds(text);
+    state.counters["KiB"] = double(text.size()) / 1024;
+}
+
+void Sizes(benchmark::internal::Benchmark* b) {
+    b->ArgName("tree")->Arg(kSmall)->Arg(kMedium)->Arg(kLarge)->Unit(benchmark::kMicrosecond);
+}
+
+// Growth trees: width, depth and attributes, each at 1, 10 and 100 times the base.
+void Growth(benchmark::internal::Benchmark* b) {
+    b->ArgName("tree");
+    for (int64_t nTree = kGrowthTrees + 1; nTree <= kGrowthTrees + 9; ++nTree) {
+        b->Arg(nTree);
+    }
+    b->Unit(benchmark::kMicrosecond);
+}
+
+void BothSeries(benchmark::internal::Benchmark* b) {
+    Sizes(b);
+    Growth(b);
+}
+
+}  // namespace
+
+BENCHMARK(Request<oc::kAdapterCount>)->Name("AdapterCount")->Apply(Sizes);
+BENCHMARK(Request<oc::kDriveStatus>)->Name("DriveStatus")->Apply(Sizes);
+BENCHMARK(Request<oc::kLogicalDriveCount>)->Name("LogicalDriveCount")->Apply(Sizes);
+BENCHMARK(Request<oc::kSmartStatus>)->Name("Smart")->Apply(BothSeries);
+BENCHMARK(Request<oc::CM_RaidStatusCustomerReplaceable>)->Name("Replaceable")->Apply(BothSeries);
+BENCHMARK(Request<oc::kStorageTreeExport, oc::kSelectTreeXml>)
+    ->Name("ExportXml")
+    ->Apply(BothSeries);
+BENCHMARK(Request<oc::kStorageTreeExport, oc::kSelectTreeJson>)
+    ->Name("ExportJson")
+    ->Apply(BothSeries);
+BENCHMARK(Request<oc::kTestRawTree>)->Name("RawTree")->Apply(BothSeries);
+BENCHMARK(PollingCycle)->Apply(Sizes)->UseRealTime();
+BENCHMARK(MdcMap)->ArgName("lds")->Arg(8)->Arg(80)->Arg(800)->Unit(benchmark::kMicrosecond);
+// Clients side by side on the 1 MB tree; the figure that counts is items_per_second.
+BENCHMARK(Request<oc::kAdapterCount>)
+    ->Name("Clients/AdapterCount")
+    ->Arg(kMedium)
+    ->Threads(1)
+    ->Threads(2)
+    ->Threads(4)
+    ->UseRealTime()
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(Request<oc::kDriveStatus>)
+    ->Name("Clients/DriveStatus")
+    ->Arg(kMedium)
+    ->Threads(1)
+    ->Threads(2)
+    ->Threads(4)
+    ->UseRealTime()
+    ->Unit(benchmark::kMicrosecond);
+
+BENCHMARK_MAIN();
