@@ -40,7 +40,7 @@ void Measure(benchmark::State& state, const Request& request) {
     const std::string& text = Tree(state.range(0), state.range(1));
     double dRequests = 0;
     for (auto _ : state) {
-        auto start = std::chrono::steady_clock::now();
+        const double start = ThreadClock::now();
         request(text);
         dRequests += SecondsSince(start);
     }

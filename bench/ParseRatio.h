@@ -2,22 +2,33 @@
 
 // The yardstick of the request benchmarks: the time of one CXmlDoc parse of the same text.
 
-#include <chrono>
+#include <ctime>
 #include <string>
 
 #include "xml/XmlDoc.h"
 
-inline double SecondsSince(std::chrono::steady_clock::time_point start) {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+// The CPU time of the calling thread: other work on a shared machine stretches wall time,
+// not this.
+struct ThreadClock {
+    using time_point = double;
+    static double now() {
+        timespec t;
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+        return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
+    }
+};
+
+inline double SecondsSince(double start) {
+    return ThreadClock::now() - start;
 }
 
-// One parse of the text into a new document: the best of a few rounds, the one least
-// disturbed by other work.
+// One parse of the text into a new document, in CPU time: the best of a few rounds, the one
+// least disturbed by other work.
 inline double ParseSeconds(const std::string& text) {
     double dBest = 0;
     for (int nRound = 0; nRound < 5; ++nRound) {
         const int nParses = 10;
-        const auto start = std::chrono::steady_clock::now();
+        const double start = ThreadClock::now();
         for (int i = 0; i < nParses; ++i) {
             CXmlDoc doc;
             doc.SetDoc(text);

@@ -1,6 +1,7 @@
 #include "storage/StorageExport.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -97,6 +98,13 @@ std::string_view AsCString(std::string_view s) {
     return s.substr(0, s.find('\0'));
 }
 
+// The bytes that a text's unescaping or escaping changes, or that end it as a C string.
+constexpr auto kNotPlain = [] {
+    std::array<bool, 256> a{};
+    a['&'] = a['<'] = a['>'] = a[0] = true;
+    return a;
+}();
+
 // Writes the exported tree's text in one pass, in the form that adding each element behind
 // the last one, then its attributes and its text, gives: an element with children opens with
 // a line break, each child ends with one, and the text of a leaf sits between its tags.
@@ -151,6 +159,34 @@ class ExportWriter {
         if (m_nTypes == 0) {
             AppendText(source, iPos);
         }
+    }
+
+    // A leaf without rules whose markup is written as it stands: "<name>", text that the
+    // escaping leaves alone, "</name>". It is copied whole; false for any other element.
+    bool CopyPlainLeaf(const CXmlDoc& source, uint32_t iPos, std::string_view sTag) {
+        const ElemPos& elem = source.GetRecord(iPos);
+        const std::string& sText = source.GetDocText();
+        const size_t nName = sTag.size();
+        if (elem.iElemChild || elem.StartTagLen() != nName + 2 || elem.EndTagLen() != nName + 3 ||
+            uint64_t(elem.nStart) + elem.nLength > sText.size() || !FindTagRules(sTag).Empty()) {
+            return false;
+        }
+        const char* p = sText.data() + elem.nStart;
+        const char* pEnd = p + elem.nLength - (nName + 3);
+        if (p[nName + 1] != '>' || std::memcmp(p + 1, sTag.data(), nName) != 0 || pEnd[0] != '<' ||
+            pEnd[1] != '/' || std::memcmp(pEnd + 2, sTag.data(), nName) != 0 ||
+            pEnd[nName + 2] != '>' || std::memchr(sTag.data(), '\0', nName)) {
+            return false;
+        }
+        for (const char* pText = p + nName + 2; pText < pEnd; ++pText) {
+            if (kNotPlain[static_cast<unsigned char>(*pText)]) {
+                return false;
+            }
+        }
+        BeforeChild();
+        m_sOut.append(p, elem.nLength);
+        m_sOut += '\n';
+        return true;
     }
 
     // An element without children keeps the short form of its start tag.
@@ -304,6 +340,10 @@ void WriteStorageElements(ExportWriter& writer, const CXmlDoc& source) {
         const std::string_view sTag =
             bObject || bMainObject ? source.TagNameView(iPos) : std::string_view();
         const bool bCopied = bObject || (bMainObject && sTag != kPortList);
+        if (bCopied && !bObject && writer.CopyPlainLeaf(source, iPos, sTag)) {
+            iPos = source.GetRecord(iPos).iElemNext;
+            continue;
+        }
         if (bCopied) {
             writer.Open(source, iPos, sTag);
         }

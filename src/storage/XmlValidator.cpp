@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -34,6 +35,42 @@ size_t SequenceLength(unsigned char c) {
     }
     return 0;
 }
+
+// Whether CleanText would give the text back as it is: no NUL, every byte below 0x80
+// printable, every other one in a complete UTF-8 sequence.
+bool IsClean(std::string_view sText) {
+    const auto* p = reinterpret_cast<const unsigned char*>(sText.data());
+    const auto* pEnd = p + sText.size();
+    while (p < pEnd) {
+        if (*p < 0x80) {
+            if (!IsPrintableAscii(*p)) {
+                return false;
+            }
+            ++p;
+            continue;
+        }
+        const size_t nLength = SequenceLength(*p);
+        if (!nLength || size_t(pEnd - p) < nLength) {
+            return false;
+        }
+        for (size_t i = 1; i < nLength; ++i) {
+            if (!IsContinuation(p[i])) {
+                return false;
+            }
+        }
+        p += nLength;
+    }
+    return true;
+}
+
+// Text that holds neither a reference nor markup reads as it stands.
+bool IsPlain(std::string_view sRaw) {
+    return !std::memchr(sRaw.data(), '&', sRaw.size()) &&
+           !std::memchr(sRaw.data(), '<', sRaw.size());
+}
+
+// Attribute lists up to this long find the first of a name by looking through them.
+constexpr size_t kShortList = 16;
 
 }  // namespace
 
@@ -111,7 +148,38 @@ void CXmlValidator::CleanAttributes() {
         bool bVisited = false;
         bool bLeftOut = false;
     };
-    std::unordered_map<std::string_view, First> first;
+    // The first attribute of each name, in the order met; a hash table by name once the list
+    // is long.
+    std::vector<std::pair<std::string_view, First>> aFirst;
+    std::unordered_map<std::string_view, size_t> byName;
+    const auto find = [&](std::string_view sName) -> First* {
+        if (aFirst.size() <= kShortList) {
+            for (auto& [sFirstName, entry] : aFirst) {
+                if (sFirstName == sName) {
+                    return &entry;
+                }
+            }
+            return nullptr;
+        }
+        const auto it = byName.find(sName);
+        return it == byName.end() ? nullptr : &aFirst[it->second].second;
+    };
+    const auto add = [&](std::string_view sName, const XmlAttribScan::Item& attrib) -> First* {
+        if (First* pFound = find(sName)) {
+            return pFound;
+        }
+        aFirst.emplace_back(sName, First{attrib});
+        if (aFirst.size() > kShortList) {
+            if (byName.empty()) {
+                for (size_t i = 0; i < aFirst.size(); ++i) {
+                    byName.emplace(aFirst[i].first, i);
+                }
+            } else {
+                byName.emplace(sName, aFirst.size() - 1);
+            }
+        }
+        return &aFirst.back().second;
+    };
     bool bAllNames = false;  // the names behind the scan are in too
     const size_t nFirstEdit = m_aEdits.size();
     XmlAttribScan scan(m_Doc, iPos);
@@ -123,17 +191,23 @@ void CXmlValidator::CleanAttributes() {
             // A name cut short may stand for an attribute further on.
             XmlAttribScan rest = scan;
             for (XmlAttribScan::Item other; rest.Next(other);) {
-                first.try_emplace(rest.Name(other), First{other});
+                add(rest.Name(other), other);
             }
             bAllNames = true;
         }
-        const auto it = nNul == std::string_view::npos ? first.try_emplace(sName, First{item}).first
-                                                       : first.find(sName.substr(0, nNul));
-        if (it == first.end() || (it->second.bVisited && !it->second.bLeftOut)) {
+        First* pFirst =
+            nNul == std::string_view::npos ? add(sName, item) : find(sName.substr(0, nNul));
+        if (!pFirst || (pFirst->bVisited && !pFirst->bLeftOut)) {
             continue;
         }
-        it->second.bVisited = true;
-        const XmlAttribScan::Item& attrib = it->second.item;
+        pFirst->bVisited = true;
+        const XmlAttribScan::Item attrib = pFirst->item;
+        if (attrib.bValue) {
+            const std::string_view sRaw = scan.RawValue(attrib);
+            if (IsPlain(sRaw) && IsClean(sRaw)) {
+                continue;  // empty, or unchanged by the cleaning
+            }
+        }
         const std::string sValue = scan.Value(attrib);
         if (sValue.empty()) {
             continue;
@@ -157,7 +231,7 @@ void CXmlValidator::CleanAttributes() {
             edit.nPlace = attrib.nName + attrib.nNameLength;
             edit.sText = "=" + sQuoted;
         }
-        it->second.bLeftOut = !AddEdit(std::move(edit), nTagLength);
+        pFirst->bLeftOut = !AddEdit(std::move(edit), nTagLength);
     }
     // A name cut short may have changed an attribute behind the next one changed.
     const auto byPlace = [](const XmlTextEdit& a, const XmlTextEdit& b) {
@@ -170,6 +244,14 @@ void CXmlValidator::CleanAttributes() {
 
 void CXmlValidator::CleanData() {
     const uint32_t iPos = m_Doc.GetMainPos();
+    const ElemPos& elem = m_Doc.GetRecord(iPos);
+    uint32_t nStart, nEnd;
+    if (!elem.iElemChild && m_Doc.ContentRange(iPos, nStart, nEnd)) {
+        const std::string_view sRaw(m_Doc.GetDocText().data() + nStart, nEnd - nStart);
+        if (IsPlain(sRaw) && IsClean(sRaw)) {
+            return;  // empty, or unchanged by the cleaning
+        }
+    }
     const std::string sData = m_Doc.GetData(iPos);
     if (sData.empty()) {
         return;

@@ -10,8 +10,6 @@ namespace {
 // Reports are dropped once the result is this long.
 constexpr size_t kReportLimit = 999;
 
-const ElemPos kNoRecord{};
-
 // Whether the end tag at p is "</" and exactly the name of the open element, then '>'.
 inline bool EndsInnermost(const char* pText, uint32_t p, uint32_t nTextLength,
                           const OpenNames::Entry& open) {
@@ -64,14 +62,6 @@ bool CXmlDoc::IsWellFormed() const {
     }
     const ElemPos& doc = Rec(0);
     return !doc.Has(kDocIllFormed) && doc.iElemChild && !Rec(doc.iElemChild).iElemNext;
-}
-
-bool CXmlDoc::IsValidPos(uint32_t iPos) const {
-    return iPos < m_iPosFree && !m_aPos[iPos].Has(kElemDeleted);
-}
-
-const ElemPos& CXmlDoc::Rec(uint32_t iPos) const {
-    return IsValidPos(iPos) ? m_aPos[iPos] : kNoRecord;
 }
 
 void CXmlDoc::InitIndex() {

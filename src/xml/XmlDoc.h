@@ -157,5 +157,15 @@ class CXmlDoc {
     ElemPosArray m_aPos;  // the element index
 };
 
+// Record access is inline: every walk asks for records at each step.
+inline bool CXmlDoc::IsValidPos(uint32_t iPos) const {
+    return iPos < m_iPosFree && !m_aPos[iPos].Has(kElemDeleted);
+}
+
+inline const ElemPos& CXmlDoc::Rec(uint32_t iPos) const {
+    static constexpr ElemPos kNoRecord{};
+    return IsValidPos(iPos) ? m_aPos[iPos] : kNoRecord;
+}
+
 // m_nDocFlags: changed since parsing.
 constexpr uint32_t kDocChanged = 0x2;
