@@ -1,19 +1,21 @@
-// Parse throughput of CXmlDoc against three other parsers on storage-like documents, and a walk
-// that visits every element and reads one attribute.
+// Parse throughput of CXmlDoc against three other parsers and a plain memchr scan for '<' on
+// storage-like documents, with memory the process has touched before and with fresh memory,
+// and a walk that visits every element and reads one attribute.
 #include <benchmark/benchmark.h>
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 #include <tinyxml2.h>
 
 #include <malloc.h>
+#include <sys/resource.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <memory>
 #include <pugixml.hpp>
 #include <string>
 
+#include "ParseRatio.h"
 #include "StorageDocGen.h"
 #include "xml/XmlDoc.h"
 
@@ -32,9 +34,59 @@ void Sizes(benchmark::internal::Benchmark* b) {
     b->Arg(10 * 1024)->Arg(1 << 20)->Arg(20 << 20)->Unit(benchmark::kMicrosecond);
 }
 
+// Parses: more sizes for the plot, each with memory reused (0) and fresh (1).
+void ParseSizes(benchmark::internal::Benchmark* b) {
+    b->ArgNames({"bytes", "fresh"});
+    for (int64_t nFresh : {0, 1}) {
+        for (int64_t nBytes : {10 << 10, 100 << 10, 1 << 20, 5 << 20, 20 << 20}) {
+            b->Args({nBytes, nFresh});
+        }
+    }
+    b->UseManualTime()->Unit(benchmark::kMicrosecond);
+}
+
+// Memory reused: freed blocks up to the largest document stay with the process, so that
+// every parser runs on pages it has touched before. Fresh: blocks from 128 KiB on are mapped
+// anew, and before each parse the allocator gives back every free page, so that each parse
+// touches fresh pages, as one does in a process whose allocator has given its memory back.
+void SetMemory(int64_t nFresh) {
+    const int nLimit = nFresh ? 128 << 10 : 32 << 20;
+    mallopt(M_MMAP_THRESHOLD, nLimit);
+    mallopt(M_TRIM_THRESHOLD, nFresh ? nLimit : 1 << 30);
+}
+
+long MinorFaults() {
+    rusage usage{};
+    getrusage(RUSAGE_THREAD, &usage);
+    return usage.ru_minflt;
+}
+
 void Throughput(benchmark::State& state, const std::string& s) {
     state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(s.size()));
     state.counters["doc_bytes"] = double(s.size());
+}
+
+// Runs a parse of the benchmark's document in the benchmark's memory mode; the time of each
+// parse is the thread's CPU time, page faults included, and their count is kept too.
+template <class Parse>
+void MeasureParse(benchmark::State& state, const Parse& parse) {
+    const std::string& s = Doc(state.range(0));
+    const bool bFresh = state.range(1) != 0;
+    SetMemory(state.range(1));
+    parse(s);  // once before the clock, so that reused memory has been touched
+    long nFaults = 0;
+    for (auto _ : state) {
+        if (bFresh) {
+            malloc_trim(0);
+        }
+        const long nFaultsBefore = MinorFaults();
+        const double start = ThreadClock::now();
+        parse(s);
+        state.SetIterationTime(ThreadClock::now() - start);
+        nFaults += MinorFaults() - nFaultsBefore;
+    }
+    state.counters["faults"] = double(nFaults) / double(state.iterations());
+    Throughput(state, s);
 }
 
 struct XmlDocFree {
@@ -45,54 +97,61 @@ using XmlDocPtr = std::unique_ptr<xmlDoc, XmlDocFree>;
 // Parsing
 
 void BM_Parse_CXmlDoc(benchmark::State& state) {
-    const std::string& s = Doc(state.range(0));
-    for (auto _ : state) {
+    MeasureParse(state, [](const std::string& s) {
         CXmlDoc doc;
         bool bOk = doc.SetDoc(s);
         benchmark::DoNotOptimize(bOk);
-    }
-    Throughput(state, s);
+    });
     CXmlDoc doc;
-    doc.SetDoc(s);
+    doc.SetDoc(Doc(state.range(0)));
     uint32_t nElems = doc.GetRecordCount() - 1;
     state.counters["elements"] = double(nElems);
     state.counters["index_B_per_elem"] = double(sizeof(ElemPos));
     state.counters["index_alloc_B_per_elem"] = double(doc.GetIndexBytes()) / nElems;
 }
-BENCHMARK(BM_Parse_CXmlDoc)->Apply(Sizes);
+BENCHMARK(BM_Parse_CXmlDoc)->Apply(ParseSizes);
 
 void BM_Parse_pugixml(benchmark::State& state) {
-    const std::string& s = Doc(state.range(0));
-    for (auto _ : state) {
+    MeasureParse(state, [](const std::string& s) {
         pugi::xml_document doc;
         pugi::xml_parse_result r = doc.load_buffer(s.data(), s.size());
         benchmark::DoNotOptimize(r.status);
-    }
-    Throughput(state, s);
+    });
 }
-BENCHMARK(BM_Parse_pugixml)->Apply(Sizes);
+BENCHMARK(BM_Parse_pugixml)->Apply(ParseSizes);
 
 void BM_Parse_libxml2(benchmark::State& state) {
-    const std::string& s = Doc(state.range(0));
-    for (auto _ : state) {
+    MeasureParse(state, [](const std::string& s) {
         XmlDocPtr pDoc(xmlReadMemory(s.data(), int(s.size()), "bench.xml", nullptr,
                                      XML_PARSE_NONET | XML_PARSE_HUGE));
         benchmark::DoNotOptimize(pDoc.get());
-    }
-    Throughput(state, s);
+    });
 }
-BENCHMARK(BM_Parse_libxml2)->Apply(Sizes);
+BENCHMARK(BM_Parse_libxml2)->Apply(ParseSizes);
 
 void BM_Parse_tinyxml2(benchmark::State& state) {
-    const std::string& s = Doc(state.range(0));
-    for (auto _ : state) {
+    MeasureParse(state, [](const std::string& s) {
         tinyxml2::XMLDocument doc;
         tinyxml2::XMLError e = doc.Parse(s.data(), s.size());
         benchmark::DoNotOptimize(e);
-    }
-    Throughput(state, s);
+    });
 }
-BENCHMARK(BM_Parse_tinyxml2)->Apply(Sizes);
+BENCHMARK(BM_Parse_tinyxml2)->Apply(ParseSizes);
+
+// The floor of any parser: finding every '<' with memchr, in place.
+void BM_Parse_memchr(benchmark::State& state) {
+    MeasureParse(state, [](const std::string& s) {
+        size_t nTags = 0;
+        const char* p = s.data();
+        const char* pEnd = p + s.size();
+        while ((p = static_cast<const char*>(std::memchr(p, '<', size_t(pEnd - p))))) {
+            ++nTags;
+            ++p;
+        }
+        benchmark::DoNotOptimize(nTags);
+    });
+}
+BENCHMARK(BM_Parse_memchr)->Apply(ParseSizes);
 
 // Walking every element and reading its "Nr" attribute. Each walk counts the elements it
 // visits, so that the figures can be seen to cover the same tree.
@@ -234,15 +293,7 @@ BENCHMARK(BM_Walk_tinyxml2)->Apply(Sizes);
 }  // namespace
 
 int main(int argc, char** argv) {
-    // Freed memory stays with the process, so that every parser runs on pages it has touched
-    // before: on a host where a page fault is dear, the first touch of fresh pages would otherwise
-    // outweigh the parse, differently for each library's allocation sizes. Set
-    // TLR_BENCH_FRESH_PAGES=1 to measure with the allocator's defaults.
-    const char* pszFresh = std::getenv("TLR_BENCH_FRESH_PAGES");
-    if (!pszFresh || std::strcmp(pszFresh, "1") != 0) {
-        mallopt(M_MMAP_THRESHOLD, 1 << 30);
-        mallopt(M_TRIM_THRESHOLD, 1 << 30);
-    }
+    SetMemory(0);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 1;

@@ -60,6 +60,8 @@ class ElemPosArray {
     void Reserve(uint32_t n);
     // Grows by half of the capacity.
     void Grow();
+    // Gives back the room of the last segment beyond n records (n at least 1).
+    void ShrinkTo(uint32_t n);
     // Frees every segment.
     void Free();
 

@@ -54,6 +54,15 @@ void ElemPosArray::Grow() {
     SetCapacity(n > 0xFFFFFFFFu ? 0xFFFFFFFFu : uint32_t(n));
 }
 
+void ElemPosArray::ShrinkTo(uint32_t n) {
+    const uint32_t nSegs = uint32_t(m_aSegs.size());
+    if (!nSegs || n >= m_nCapacity || n <= ((nSegs - 1) << kSegBits)) {
+        return;
+    }
+    ResizeSegment(nSegs - 1, n - ((nSegs - 1) << kSegBits));
+    m_nCapacity = n;
+}
+
 void ElemPosArray::Free() {
     m_aSegs.clear();
     m_aSegs.shrink_to_fit();

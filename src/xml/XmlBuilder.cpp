@@ -67,7 +67,9 @@ bool CXmlDoc::IsWellFormed() const {
 void CXmlDoc::InitIndex() {
     m_iPosFree = 0;
     m_iPosDeleted = 0;
-    m_aPos.Reserve(uint32_t(m_sDoc.size() / 64 + 8));
+    // Room for a document denser in elements than most, so that the first segment seldom
+    // moves while it fills; what is left over is given back after the parse.
+    m_aPos.Reserve(uint32_t(m_sDoc.size() / 40 + 8));
     m_aPos[0] = ElemPos{};
     m_aPos[0].nLength = uint32_t(m_sDoc.size());
     m_iPosFree = 1;
@@ -111,6 +113,7 @@ bool CXmlDoc::Parse() {
             Report(m_sResult, "root_has_sibling", nullptr, -1, -1);
         }
     }
+    m_aPos.ShrinkTo(m_iPosFree);
     SetPosFields(0, 0, 0);
     return IsWellFormed();
 }
