@@ -14,14 +14,7 @@
 
 namespace {
 
-// What a row compares OI with before it answers.
-enum class Bound {
-    kNone,
-    kFans,
-    kTempSensors,
-    kTempSensorsAbove,  // OI equal to the count passes, and finds no record
-    kPowerSupplies,
-};
+using Bound = CabinetBound;
 
 struct Request {
     EnclosureMap& map;
@@ -34,13 +27,9 @@ struct Request {
 // Answers a request whose OI is within its bound; gives the result of the request.
 using Answer = uint32_t (*)(Request& r);
 
-// One object code (and selector): a row is built by a maker below that sets the members it
-// needs by name; the others keep their defaults.
-struct Row {
-    uint32_t nOc = 0;
-    bool bBySelector = false;  // the row is for one OE only
-    uint32_t nOe = 0;
-    Bound bound = Bound::kNone;
+// One object code (and selector) and its answer: a row is built by a maker below that sets
+// the members it needs by name; the others keep their defaults.
+struct Row : CabinetRowAddress {
     Answer answer = nullptr;
 };
 
@@ -228,6 +217,13 @@ bool OutOfBound(Bound bound, const CabinetRecord& cabinet, uint32_t nOi) {
 }
 
 }  // namespace
+
+std::vector<CabinetRowAddress> CabinetRowAddresses() {
+    std::vector<CabinetRowAddress> addresses;
+    for (const Row& row : kRows)
+        addresses.push_back(row);
+    return addresses;
+}
 
 uint32_t HandleCabinetRequest(EnclosureMap& map, CommandRecord& record) {
     uint32_t nOc = record.GetField("OC", 0);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "enclosure/EnclosureMap.h"
 
@@ -19,3 +20,24 @@ void AnswerCabinetList(const EnclosureMap& map, CommandRecord& record);
 // The cabinet numbers for the switch, in a process-wide array of at most 128 that each call
 // overwrites. *pCount is always written; *ppList only when there are cabinets. Gives 1.
 int GetServerSeList(const EnclosureMap& map, uint32_t** ppList, uint8_t* pCount);
+
+// What a row of the cabinet table holds OI against before it answers.
+enum class CabinetBound {
+    kNone,
+    kFans,
+    kTempSensors,
+    kTempSensorsAbove,  // OI equal to the count passes, and finds no record
+    kPowerSupplies,
+};
+
+// How a row of the cabinet table is addressed: its code, the one OE it is for when
+// bBySelector, and the bound of OI.
+struct CabinetRowAddress {
+    uint32_t nOc = 0;
+    bool bBySelector = false;
+    uint32_t nOe = 0;
+    CabinetBound bound = CabinetBound::kNone;
+};
+
+// The addressing of every row of the cabinet table, in its order.
+std::vector<CabinetRowAddress> CabinetRowAddresses();

@@ -178,19 +178,38 @@ bool RunSteps(CRequest& request, const RequestRow& row) {
 
 }  // namespace
 
-const RequestRow* FindRequestRow(uint32_t code) {
+namespace {
+
+// Calls visit with every row in the order of FindRequestRow's search, until it gives true.
+template <typename Visit>
+const RequestRow* VisitRows(Visit visit) {
     for (const RequestRow& row : kRows) {
-        if (row.nCode == code)
+        if (visit(row))
             return &row;
     }
     for (FamilyRows family : kFamilies) {
         RequestRows rows = family();
         for (const RequestRow* row = rows.pFirst; row != rows.pEnd; ++row) {
-            if (row->nCode == code)
+            if (visit(*row))
                 return row;
         }
     }
     return nullptr;
+}
+
+}  // namespace
+
+const RequestRow* FindRequestRow(uint32_t code) {
+    return VisitRows([code](const RequestRow& row) { return row.nCode == code; });
+}
+
+std::vector<const RequestRow*> AllRequestRows() {
+    std::vector<const RequestRow*> all;
+    VisitRows([&all](const RequestRow& row) {
+        all.push_back(&row);
+        return false;
+    });
+    return all;
 }
 
 uint32_t AnswerRequest(EM_TLRAID& module, CommandRecord& record) {

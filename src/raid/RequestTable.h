@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "frame/CommandRecord.h"
 #include "storage/TLRaidData.h"
@@ -97,6 +98,8 @@ constexpr RequestRow Plain(uint32_t code, Steps steps, RowHandler handler) {
 
 // The row of an object code; null when it has none.
 const RequestRow* FindRequestRow(uint32_t code);
+// Every row, the main table's and then the families'.
+std::vector<const RequestRow*> AllRequestRows();
 
 // The rows of a family kept in a file of its own; FindRequestRow searches them too.
 struct RequestRows {

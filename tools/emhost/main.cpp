@@ -2,7 +2,6 @@
 // trace server, and lets a person or a test drive the module with JSON lines.
 #include <unistd.h>
 
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -18,13 +17,13 @@
 #include "Inventory.h"
 #include "LineProtocol.h"
 #include "ModuleLibrary.h"
+#include "ModuleLocation.h"
 #include "Watch.h"
 #include "raid/RaidSettings.h"
 
 namespace {
 
 constexpr int kUsageError = 2;
-constexpr char kDefaultModule[] = "em_tlraid.so";
 
 const char kUsage[] =
     "usage: emhost [--module PATH] [--switch-type N] [--answer OC=JSON]... [--trace FILE] "
@@ -39,7 +38,8 @@ const char kUsage[] =
     "Loads an extension module and drives it with JSON lines, one per line, from SCRIPT or\n"
     "standard input. Each line gets one JSON result line on standard output.\n"
     "\n"
-    "  --module PATH      the shared object to load (default: em_tlraid.so beside emhost)\n"
+    "  --module PATH      the shared object to load (default: em_tlraid.so beside emhost, else\n"
+    "                     the installed one)\n"
     "  --switch-type N    what the switch's GetSwitchType answers (default 1; 5 and 10 are\n"
     "                     the agentless service)\n"
     "  --answer OC=JSON   how the switch answers requests of object code OC (decimal or 0x hex):\n"
@@ -51,7 +51,7 @@ const char kUsage[] =
     "Lines: a command record {\"SIP\":{...}}, or an action {\"host\":ACTION,...} with ACTION one\n"
     "of create, delete, name, setup, info, detected, cabinet, start, switch-started, notify,\n"
     "detach, selist, stop, answer, request, burst, wait-events, sleep, exit.\n"
-    "Empty lines and lines beginning with # are skipped. See README.md for the members.\n"
+    "Empty lines and lines beginning with # are skipped. See docs/tools.md for the members.\n"
     "\n"
     "inventory: creates and starts the module, prints what a client of the switch sees\n"
     "(adapters, drives, logical drives, batteries, ports, enclosures, overall status, and\n"
@@ -114,17 +114,6 @@ bool ParseU32(const std::string& text, uint32_t& value) {
     return true;
 }
 
-std::string DirectoryOfSelf() {
-    char path[PATH_MAX];
-    ssize_t n = readlink("/proc/self/exe", path, sizeof(path) - 1);
-    if (n <= 0)
-        return ".";
-    path[n] = '\0';
-    std::string p(path);
-    size_t slash = p.rfind('/');
-    return slash == std::string::npos ? "." : p.substr(0, slash);
-}
-
 Options ParseOptions(int argc, char** argv) {
     Options o;
     int first = 1;
@@ -181,7 +170,7 @@ Options ParseOptions(int argc, char** argv) {
         }
     }
     if (o.module.empty())
-        o.module = DirectoryOfSelf() + "/" + kDefaultModule;
+        o.module = DefaultModulePath();
     return o;
 }
 
