@@ -1,9 +1,11 @@
 // Requests as a client of the switch makes them: a started module in this process, its daemon
 // replaced by one in memory, every client's snapshot filled before the clock starts. Each
-// figure "parses" is the time of one request over one CXmlDoc parse of the same tree. Trees
-// come from gen-tree (about 10 KB, 1 MB and 20 MB) and from the growth series; besides them,
-// one polling cycle without the network, the MDC progress map as logical drives grow, and
-// requests of 1, 2 and 4 clients side by side.
+// figure "parses" is the CPU time of one request over one CXmlDoc parse of the same tree.
+// Trees come from gen-tree (about 10 KB, 1 MB and 20 MB) and from the growth series (drives
+// per adapter, nesting and attributes, each 10 and 100 times the base). Besides them: the
+// floors of the requests whose steps are prescribed, one polling cycle without the network,
+// the disk status and the MDC progress map that requests and cycles rest on, and requests of
+// 1, 2 and 4 threads side by side.
 #include <benchmark/benchmark.h>
 
 #include <chrono>
@@ -20,6 +22,7 @@
 #include "storage/TLRaidData.h"
 #include "support/FakeRaidDaemon.h"
 #include "support/FastTimings.h"
+#include "xml/XmlAttribScan.h"
 
 namespace {
 
@@ -30,7 +33,8 @@ class QuietSwitch : public ISwitch {
     uint32_t GetSwitchType() override { return 1; }
 };
 
-// The trees by number: 0-2 gen-tree's sizes, 10 + 3 * direction + step the growth series.
+// The trees by number: 0-2 gen-tree's sizes; 10 + 3 * direction + step the growth series,
+// direction 0 width, 1 depth, 2 attributes, step 0, 1, 2 for 1, 10 and 100 times the base.
 enum TreeSize { kSmall, kMedium, kLarge };
 constexpr int64_t kGrowthTrees = 10;
 
@@ -60,7 +64,8 @@ const std::string& Tree(int64_t nTree) {
             text = WriteTree(SizeOptions(nTree));
         } else {
             const int64_t nDirection = (nTree - kGrowthTrees) / 3;
-            const int nFactor = nTree % 3 == 1 ? 1 : nTree % 3 == 2 ? 10 : 100;
+            const int64_t nStep = (nTree - kGrowthTrees) % 3;
+            const int nFactor = nStep == 0 ? 1 : nStep == 1 ? 10 : 100;
             GrowthShape shape = {20, 5, 2};
             int* pGrown = nDirection == 0   ? &shape.nDrives
                           : nDirection == 1 ? &shape.nDepth
@@ -171,6 +176,24 @@ void PollingCycle(benchmark::State& state) {
     state.counters["KiB"] = double(tree.size()) / 1024;
 }
 
+// The status of all disks over the tree, which the customer replaceable parts rest on, as
+// its getter answers it on a parsed snapshot.
+void DiskStatus(benchmark::State& state) {
+    const std::string& text = Tree(state.range(0));
+    double dSeconds = 0;
+    for (auto _ : state) {
+        const double start = ThreadClock::now();
+        CTLRaidData tree;
+        tree.SetDoc(text);
+        int32_t nDisks = 0;
+        tree.GetPhysicalDiskOverallComponentStatus(nDisks);
+        benchmark::DoNotOptimize(nDisks);
+        dSeconds += SecondsSince(start);
+    }
+    state.counters["parses"] = dSeconds / double(state.iterations()) / ParseSeconds(text);
+    state.counters["KiB"] = double(text.size()) / 1024;
+}
+
 // The MDC progress map of one adapter with 8, 80 and 800 logical drives of 4 drives each.
 void MdcMap(benchmark::State& state) {
     static std::map<int64_t, std::string> trees;
@@ -195,6 +218,90 @@ void MdcMap(benchmark::State& state) {
     state.counters["KiB"] = double(text.size()) / 1024;
 }
 
+// Floors: the least work that a request's prescribed steps need, done once, measured as
+// parses of the same tree like the requests.
+template <class Work>
+void Floor(benchmark::State& state, const Work& work) {
+    const std::string& text = Tree(state.range(0));
+    double dSeconds = 0;
+    for (auto _ : state) {
+        const double start = ThreadClock::now();
+        work(text);
+        dSeconds += SecondsSince(start);
+    }
+    state.counters["parses"] = dSeconds / double(state.iterations()) / ParseSeconds(text);
+    state.counters["KiB"] = double(text.size()) / 1024;
+}
+
+// One walk over every element that reads its start tag through and writes its markup into
+// a buffer sized ahead: what any writer of a rebuilt tree must do at least.
+void WalkAndWrite(const CXmlDoc& doc, std::string& sOut) {
+    const std::string& sText = doc.GetDocText();
+    sOut.clear();
+    sOut.reserve(sText.size());
+    for (uint32_t iPos = 1; iPos < doc.GetRecordCount(); ++iPos) {
+        const ElemPos& elem = doc.GetRecord(iPos);
+        XmlAttribScan scan(doc, iPos);
+        XmlAttribScan::Item item;
+        while (scan.Next(item)) {
+        }
+        sOut.append(sText, elem.nStart, elem.StartTagLen());
+        uint32_t nStart, nEnd;
+        if (!elem.iElemChild && doc.ContentRange(iPos, nStart, nEnd)) {
+            sOut.append(sText, nStart, elem.nStart + elem.nLength - nStart);
+        }
+        sOut += '\n';
+    }
+}
+
+// The snapshot's parse, the rebuilt tree written, the answer copied into the record.
+void FloorExportXml(benchmark::State& state) {
+    Floor(state, [](const std::string& text) {
+        CTLRaidData tree;
+        tree.SetDoc(text);
+        std::string sOut;
+        WalkAndWrite(tree, sOut);
+        std::string sAnswer = sOut;
+        benchmark::DoNotOptimize(sAnswer.data());
+    });
+}
+
+// The same, then the rebuilt tree parsed and written once more.
+void FloorExportJson(benchmark::State& state) {
+    Floor(state, [](const std::string& text) {
+        CTLRaidData tree;
+        tree.SetDoc(text);
+        std::string sXml, sJson;
+        WalkAndWrite(tree, sXml);
+        CXmlDoc exported;
+        exported.SetDoc(sXml);
+        WalkAndWrite(exported, sJson);
+        std::string sAnswer = sJson;
+        benchmark::DoNotOptimize(sAnswer.data());
+    });
+}
+
+// The snapshot's parse, then the adapter cut out and parsed.
+void FloorAdapterCut(benchmark::State& state) {
+    Floor(state, [](const std::string& text) {
+        CTLRaidData tree;
+        tree.SetDoc(text);
+        CTLRaidData adapter;
+        benchmark::DoNotOptimize(tree.GetAdapterData(adapter, 0));
+    });
+}
+
+// A polling cycle's work in line, without the thread: the fetched text copied, parsed, and
+// its MDC progress map, which cuts out and parses every adapter and logical drive.
+void FloorPollingCycle(benchmark::State& state) {
+    Floor(state, [](const std::string& text) {
+        std::string sFetched = text;
+        CTLRaidData tree;
+        tree.SetDoc(sFetched);
+        benchmark::DoNotOptimize(tree.GetMDCProgressMap().size());
+    });
+}
+
 void Sizes(benchmark::internal::Benchmark* b) {
     b->ArgName("tree")->Arg(kSmall)->Arg(kMedium)->Arg(kLarge)->Unit(benchmark::kMicrosecond);
 }
@@ -202,7 +309,7 @@ void Sizes(benchmark::internal::Benchmark* b) {
 // Growth trees: width, depth and attributes, each at 1, 10 and 100 times the base.
 void Growth(benchmark::internal::Benchmark* b) {
     b->ArgName("tree");
-    for (int64_t nTree = kGrowthTrees + 1; nTree <= kGrowthTrees + 9; ++nTree) {
+    for (int64_t nTree = kGrowthTrees; nTree < kGrowthTrees + 9; ++nTree) {
         b->Arg(nTree);
     }
     b->Unit(benchmark::kMicrosecond);
@@ -228,6 +335,11 @@ BENCHMARK(Request<oc::kStorageTreeExport, oc::kSelectTreeJson>)
     ->Apply(BothSeries);
 BENCHMARK(Request<oc::kTestRawTree>)->Name("RawTree")->Apply(BothSeries);
 BENCHMARK(PollingCycle)->Apply(Sizes)->UseRealTime();
+BENCHMARK(DiskStatus)->Apply(BothSeries);
+BENCHMARK(FloorExportXml)->Apply(BothSeries);
+BENCHMARK(FloorExportJson)->Apply(BothSeries);
+BENCHMARK(FloorAdapterCut)->Apply(Sizes);
+BENCHMARK(FloorPollingCycle)->Apply(Sizes);
 BENCHMARK(MdcMap)->ArgName("lds")->Arg(8)->Arg(80)->Arg(800)->Unit(benchmark::kMicrosecond);
 // Clients side by side on the 1 MB tree; the figure that counts is items_per_second.
 BENCHMARK(Request<oc::kAdapterCount>)

@@ -1,6 +1,7 @@
-"""An emhost session inside the sandbox against tlrcd-sim, for scripts/stress and
-scripts/memcheck: the build it needs, a scenario of changing trees, requests of every family
-of object codes, and the check that every output line is JSON with an allowed status."""
+"""An emhost session inside the sandbox against tlrcd-sim, for scripts/stress,
+scripts/memcheck and the burst benchmark: the build it needs, a scenario of changing trees,
+requests of every family of object codes, the check that every output line is JSON with an
+allowed status, and the session itself."""
 
 import json
 import os
@@ -193,3 +194,36 @@ class Tally:
 def temp_dir():
     # Under /tmp, which the sandbox shares with the host, so that the simulator reads it.
     return tempfile.TemporaryDirectory(prefix="tlr-session-", dir="/tmp")
+
+
+class Session:
+    """emhost's line protocol: a line in, its result line out; the lines between are taken
+    by the tally too."""
+
+    def __init__(self, command, stderr, tally):
+        self.process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                        stderr=stderr, text=True, bufsize=1)
+        self.tally = tally
+
+    def send(self, value):
+        self.process.stdin.write(json.dumps(value) + "\n")
+        self.process.stdin.flush()
+        while True:
+            line = self.process.stdout.readline()
+            if not line:
+                raise RuntimeError("emhost ended early")
+            result = self.tally.take(line.rstrip("\n"))
+            if result is None or not ("event" in result or "switch-request" in result):
+                return result or {}
+
+    def host(self, action, **members):
+        result = self.send({"host": action, **members})
+        if result.get("ret") in (None, 0):
+            self.tally.fault(f"{action}: {result}")
+        return result
+
+    def end(self):
+        self.process.stdin.close()
+        for line in self.process.stdout:
+            self.tally.take(line.rstrip("\n"))
+        return self.process.wait()

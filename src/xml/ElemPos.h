@@ -60,7 +60,7 @@ class ElemPosArray {
     void Reserve(uint32_t n);
     // Grows by half of the capacity.
     void Grow();
-    // Gives back the room of the last segment beyond n records (n at least 1).
+    // Gives back the room beyond n records: whole segments, and the rest of the last one.
     void ShrinkTo(uint32_t n);
     // Frees every segment.
     void Free();

@@ -55,10 +55,11 @@ void ElemPosArray::Grow() {
 }
 
 void ElemPosArray::ShrinkTo(uint32_t n) {
-    const uint32_t nSegs = uint32_t(m_aSegs.size());
-    if (!nSegs || n >= m_nCapacity || n <= ((nSegs - 1) << kSegBits)) {
+    if (n == 0 || n >= m_nCapacity) {
         return;
     }
+    const uint32_t nSegs = ((n - 1) >> kSegBits) + 1;
+    m_aSegs.resize(nSegs);
     ResizeSegment(nSegs - 1, n - ((nSegs - 1) << kSegBits));
     m_nCapacity = n;
 }
