@@ -135,7 +135,7 @@ class JsonWriter {
             m_Doc.SetPos(0, iPos, 0);
             sPath = m_Doc.GetElemPath();
         }
-        WriteValue(iPos, sPath, !m_ArrayList.empty(), nDepth);
+        WriteValue(iPos, m_Doc.TagNameView(iPos), sPath, !m_ArrayList.empty(), nDepth);
         Run();
     }
 
@@ -203,7 +203,7 @@ class JsonWriter {
 
     // The path of a sibling, from its parent's, while an entry could still match.
     bool ChildPath(const Frame& frame, const Sibling& kid, std::string& sPath) const {
-        if (!frame.bPathKnown) {
+        if (!frame.bPathKnown || frame.sPath.size() + 1 + kid.sName.size() > m_nLongestEntry) {
             return false;
         }
         sPath = frame.sPath;
@@ -212,7 +212,19 @@ class JsonWriter {
         if (kid.nNth > 1) {
             sPath += "[" + std::to_string(kid.nNth) + "]";
         }
-        return sPath.size() <= m_nLongestEntry;
+        return LeadsToEntry(sPath);
+    }
+
+    // Whether the path is an entry of the array list or the path of one of its ancestors:
+    // below any other path no entry can match.
+    bool LeadsToEntry(const std::string& sPath) const {
+        for (const std::string& sEntry : m_ArrayList) {
+            if (sEntry.size() >= sPath.size() && sEntry.compare(0, sPath.size(), sPath) == 0 &&
+                (sEntry.size() == sPath.size() || sEntry[sPath.size()] == '/')) {
+                return true;
+            }
+        }
+        return false;
     }
 
     bool OnList(const Frame& frame, const Sibling& kid) {
@@ -307,12 +319,29 @@ class JsonWriter {
 
     void WriteKidValue(const Frame& frame, size_t k, int nDepth) {
         bool bKnown = ChildPath(frame, frame.aKids[k], m_sPath);
-        WriteValue(frame.aKids[k].iPos, m_sPath, bKnown, nDepth);
+        WriteValue(frame.aKids[k].iPos, frame.aKids[k].sName, m_sPath, bKnown, nDepth);
     }
 
     // Writes a leaf whole; for an element with children, its attributes, and a frame for the
     // children.
-    void WriteValue(uint32_t iPos, const std::string& sPath, bool bPathKnown, int nDepth) {
+    // A start tag that is its name alone, "<name>" or "<name/>", has no attribute to scan for.
+    bool HasBareStartTag(uint32_t iPos, std::string_view sName) const {
+        const ElemPos& elem = m_Doc.GetRecord(iPos);
+        const std::string& sText = m_Doc.GetDocText();
+        const size_t nLength = elem.StartTagLen();
+        if (nLength < sName.size() + 2 || nLength > sName.size() + 3 ||
+            uint64_t(elem.nStart) + nLength > sText.size()) {
+            return false;
+        }
+        const char* p = sText.data() + elem.nStart + 1;
+        return std::string_view(p, sName.size()) == sName &&
+               (nLength == sName.size() + 2 ? p[sName.size()] == '>'
+                                            : p[sName.size()] == '/' && p[sName.size() + 1] == '>');
+    }
+
+    // sName is the element's name as TagNameView reads it.
+    void WriteValue(uint32_t iPos, std::string_view sName, const std::string& sPath,
+                    bool bPathKnown, int nDepth) {
         const bool bChildren = m_Doc.GetRecord(iPos).iElemChild != 0;
         int nInner = nDepth;
         if (bChildren) {
@@ -320,10 +349,11 @@ class JsonWriter {
             ++nInner;
         }
         uint64_t nAttribs = 0;
-        XmlAttribScan scan(m_Doc, iPos);
+        const bool bScan = m_bAttributes && !HasBareStartTag(iPos, sName);
+        XmlAttribScan scan(m_Doc, bScan ? iPos : 0);
         XmlAttribScan::Item item;
         m_aFirstValues.clear();
-        while (m_bAttributes && scan.Next(item)) {
+        while (bScan && scan.Next(item)) {
             if (nAttribs) {
                 m_sOut += ',';
             } else if (!bChildren) {
@@ -416,12 +446,13 @@ class JsonWriter {
             return;
         }
         m_sOut += '"';
-        for (char c : sText) {
-            if (c == '"') {
-                m_sOut += '\\';
-            }
-            m_sOut += c;
+        size_t nRun = 0;  // start of the bytes not yet written
+        for (size_t nQuote; (nQuote = sText.find('"', nRun)) != std::string_view::npos;) {
+            m_sOut.append(sText.data() + nRun, nQuote - nRun);
+            m_sOut += "\\\"";
+            nRun = nQuote + 1;
         }
+        m_sOut.append(sText.data() + nRun, sText.size() - nRun);
         m_sOut += '"';
     }
 
