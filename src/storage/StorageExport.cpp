@@ -52,8 +52,20 @@ struct TagRules {
     bool Empty() const { return pBegin == pEnd; }
 };
 
+// The first bytes of the tags with rules: most elements are passed over on their first byte.
+constexpr auto kRuleTagStarts = [] {
+    std::array<bool, 256> a{};
+    for (const AttribRule& rule : kAttribRules) {
+        a[static_cast<unsigned char>(rule.sTag[0])] = true;
+    }
+    return a;
+}();
+
 TagRules FindTagRules(std::string_view sTag) {
     TagRules rules;
+    if (sTag.empty() || !kRuleTagStarts[static_cast<unsigned char>(sTag[0])]) {
+        return rules;
+    }
     for (const AttribRule& rule : kAttribRules) {
         if (sTag == rule.sTag) {
             if (rules.Empty()) {
