@@ -3,6 +3,7 @@
 // steps, since several answer a missing tree or missing data with other statuses than the
 // usual ones.
 #include <iterator>
+#include <utility>
 
 #include "raid/EM_TLRAID.h"
 #include "raid/RequestTable.h"
@@ -86,7 +87,7 @@ void RawTree(CRequest& r, const RequestRow&) {
         r.AnswerStatus(status::kNoRaidData);
         return;
     }
-    r.AnswerText(CleanStorageTreeText(xml));
+    r.AnswerText(CleanStorageTreeText(std::move(xml)));
 }
 
 // The request's body goes to the RAID manager, and its reply back to the client.

@@ -274,9 +274,9 @@ void CXmlValidator::CleanData() {
     }
 }
 
-std::string CleanStorageTreeText(const std::string& sText) {
+std::string CleanStorageTreeText(std::string sText) {
     CXmlDoc doc;
-    if (doc.SetDoc(sText)) {
+    if (doc.SetDoc(std::move(sText))) {
         doc.SavePos();
         doc.ResetPos();
         if (doc.FindElem()) {
@@ -284,5 +284,5 @@ std::string CleanStorageTreeText(const std::string& sText) {
         }
         doc.RestorePos();
     }
-    return doc.GetDoc();
+    return doc.TakeDoc();
 }

@@ -34,4 +34,4 @@ class CXmlValidator {
 
 // The raw tree as the cleaning request answers it: a well-formed text cleaned, any other text
 // as it is.
-std::string CleanStorageTreeText(const std::string& sText);
+std::string CleanStorageTreeText(std::string sText);

@@ -1,4 +1,5 @@
 #include <cstring>
+#include <utility>
 
 #include "xml/OpenNames.h"
 #include "xml/XmlChars.h"
@@ -54,6 +55,17 @@ void CXmlDoc::SetDoc(const char* pszDoc) {
 bool CXmlDoc::SetDoc(const std::string& sDoc) {
     m_sDoc = sDoc;
     return Parse();
+}
+
+bool CXmlDoc::SetDoc(std::string&& sDoc) {
+    m_sDoc = std::move(sDoc);
+    return Parse();
+}
+
+std::string CXmlDoc::TakeDoc() {
+    std::string sDoc = std::move(m_sDoc);
+    SetDoc(nullptr);
+    return sDoc;
 }
 
 bool CXmlDoc::IsWellFormed() const {

@@ -48,6 +48,7 @@ class CXmlDoc {
     // Parsing
     void SetDoc(const char* pszDoc);       // replaces and parses the text; null frees everything
     bool SetDoc(const std::string& sDoc);  // replaces and parses the text; answers IsWellFormed
+    bool SetDoc(std::string&& sDoc);       // the same, taking the text over
     bool IsWellFormed() const;             // one root, nothing ill-formed
     const std::string& GetResult() const { return m_sResult; }  // reports of the last parse
     // The report of a start tag too long for the index (4 MiB or more); its document is
@@ -79,6 +80,7 @@ class CXmlDoc {
     std::string GetSubDoc(uint32_t iPos) const;               // the element's markup
     std::string GetDoc() const { return m_sDoc; }             // a copy of the whole text
     const std::string& GetDocText() const { return m_sDoc; }  // the whole text in place
+    std::string TakeDoc();  // hands the text over and leaves the document empty
     std::string GetElemPath() const;                          // path of main, with [n] where needed
 
     // Editing
