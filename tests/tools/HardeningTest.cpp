@@ -4,9 +4,9 @@
 // TLR_HARDENING_DIR=<build dir> reads another build's files instead (to compare two builds).
 #include <gtest/gtest.h>
 
-#include <cctype>
 #include <cstdlib>
 #include <iostream>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -25,63 +25,33 @@ struct ElfFacts {
     std::set<std::string> exports;
 };
 
-std::vector<std::string> Words(const std::string& line) {
-    std::istringstream in(line);
-    std::vector<std::string> words;
-    for (std::string word; in >> word;)
-        words.push_back(word);
-    return words;
-}
-
-bool HasWord(const std::vector<std::string>& words, const std::string& word) {
-    for (const std::string& w : words) {
-        if (w == word)
-            return true;
-    }
-    return false;
-}
-
-bool IsCheckedCall(const std::string& name) {
-    const std::string suffix = "_chk";
-    return name.compare(0, 2, "__") == 0 && name.size() > suffix.size() + 2 &&
-           name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0 &&
-           name != "__stack_chk_fail";
-}
-
-// One line of readelf's dynamic symbol table: "N: VALUE SIZE TYPE BIND VIS NDX NAME[@VER]".
-void TakeSymbol(const std::vector<std::string>& w, ElfFacts& facts) {
-    if (w.size() < 8 || w[0].back() != ':' || !isdigit(static_cast<unsigned char>(w[0][0])))
-        return;
-    const std::string name = w[7].substr(0, w[7].find('@'));
-    if (w[6] == "UND") {
-        facts.stackProtector |= name == "__stack_chk_fail";
-        facts.fortify |= IsCheckedCall(name);
-    } else if (w[4] != "LOCAL") {
-        facts.exports.insert(name);
-    }
-}
+// readelf's lines that tell a protection: a GNU_RELRO segment; BIND_NOW in FLAGS or NOW in
+// FLAGS_1; PIE in FLAGS_1; and a symbol of the dynamic table, "N: VALUE SIZE TYPE BIND VIS
+// NDX NAME[@VERSION]", imported when NDX is UND.
+const std::regex kRelro(R"(^\s*GNU_RELRO\s)");
+const std::regex kBindNow(R"(\(BIND_NOW\)|\(FLAGS\).*BIND_NOW|\(FLAGS_1\).*\sNOW\b)");
+const std::regex kPie(R"(\(FLAGS_1\).*\sPIE\b)");
+const std::regex kSymbol(R"(^\s*\d+:\s+\S+\s+\S+\s+\S+\s+(\S+)\s+\S+\s+(\S+)\s+([^@\s]+))");
+const std::regex kCheckedCall("__.+_chk");
 
 ElfFacts ReadElf(const std::string& path) {
     ElfFacts facts;
     const ProcessResult r =
         RunProcess({"env", "LC_ALL=C", "readelf", "-W", "-l", "-d", "--dyn-syms", path});
     EXPECT_EQ(r.exitCode, 0) << path << ": " << r.err;
-    bool inSymbols = false;
     for (const std::string& line : Lines(r.out)) {
-        const std::vector<std::string> w = Words(line);
-        if (w.empty())
+        std::smatch symbol;
+        facts.relro |= std::regex_search(line, kRelro);
+        facts.bindNow |= std::regex_search(line, kBindNow);
+        facts.pie |= std::regex_search(line, kPie);
+        if (!std::regex_search(line, symbol, kSymbol))
             continue;
-        if (line.find("Symbol table '.dynsym'") != std::string::npos) {
-            inSymbols = true;
-        } else if (inSymbols) {
-            TakeSymbol(w, facts);
-        } else if (w[0] == "GNU_RELRO") {
-            facts.relro = true;
-        } else if (HasWord(w, "(FLAGS)") || HasWord(w, "(BIND_NOW)")) {
-            facts.bindNow |= HasWord(w, "BIND_NOW");
-        } else if (HasWord(w, "(FLAGS_1)")) {
-            facts.bindNow |= HasWord(w, "NOW");
-            facts.pie |= HasWord(w, "PIE");
+        const std::string name = symbol[3];
+        if (symbol[2] == "UND") {
+            facts.stackProtector |= name == "__stack_chk_fail";
+            facts.fortify |= name != "__stack_chk_fail" && std::regex_match(name, kCheckedCall);
+        } else if (symbol[1] != "LOCAL") {
+            facts.exports.insert(name);
         }
     }
     return facts;
