@@ -2,6 +2,26 @@
 
 set(TLR_WARNINGS -Wall -Wextra -Werror)
 
+# Hardening, the flags that Debian builds its packages with (dpkg-buildflags with
+# hardening=+all), on every target of ours: all of them are defined after this point. A stack
+# protector, checks of format strings, a relocation table that is read-only after start-up
+# with every symbol bound at load, and position-independent programs. The checked libc calls
+# of _FORTIFY_SOURCE need optimisation and clash with AddressSanitizer's own checks, so a
+# Debug build, the sanitizer builds and the fuzz build go without them.
+# tests/tools/HardeningTest.cpp reads the built files and fails when one of these is missing.
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES C CXX)
+add_compile_options(-fstack-protector-strong -Wformat -Werror=format-security)
+add_link_options(-Wl,-z,relro -Wl,-z,now)
+string(TOUPPER "${CMAKE_BUILD_TYPE}" tlr_build_type)
+if(tlr_build_type STREQUAL "DEBUG" OR TLR_SANITIZE OR TLR_FUZZ)
+  set(TLR_FORTIFY OFF)
+else()
+  set(TLR_FORTIFY ON)
+  # Replaces any other level that the compiler or the environment's flags set.
+  add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+endif()
+
 if(TLR_SANITIZE STREQUAL "thread")
   add_compile_options(-fsanitize=thread -g)
   add_link_options(-fsanitize=thread)

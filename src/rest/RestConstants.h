@@ -30,6 +30,10 @@ constexpr const char kJwtIssuer[] = "TLRM_CLIENT_TLAS";
 constexpr const char kJwtKey[] = "kite_mox";
 constexpr int64_t kTokenLifetime = 300;
 
+// The login form, with the JWT in it, is traced from this level on: a trace at this level or
+// above holds secrets (and from level 5 the access tokens and whole replies too).
+constexpr uint32_t kSecretsTraceLevel = 3;
+
 constexpr int64_t kNanosPerSecond = 1000000000;
 
 // Nanoseconds since the epoch on the system clock.

@@ -60,7 +60,8 @@ std::string TLRAIDRestClient::SetAuthToken(const std::string& url) {
         // A form without URL-encoding; libcurl's own headers, no time-out.
         const std::string postData = "jwt=" + token + "&client_id=" + m_sClientId;
         TLR_TRACE(3, "\nTLRAIDRestClient::SetAuthToken auth_addr_w [%s]", url.c_str());
-        TLR_TRACE(3, "\nTLRAIDRestClient::SetAuthToken post_data_w [%s]", postData.c_str());
+        TLR_TRACE(tlr_rest::kSecretsTraceLevel, "\nTLRAIDRestClient::SetAuthToken post_data_w [%s]",
+                  postData.c_str());
         curl_easy_setopt(curl.get(), CURLOPT_POSTFIELDS, postData.c_str());
         curl_easy_setopt(curl.get(), CURLOPT_WRITEFUNCTION, CurlWriteCallback);
         curl_easy_setopt(curl.get(), CURLOPT_WRITEDATA, &response);

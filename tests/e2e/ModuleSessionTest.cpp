@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -13,17 +12,6 @@
 #include "support/SandboxHost.h"
 
 namespace {
-
-TEST_F(HostSessions, ModuleExportsExactlyTheFourEntryPoints) {
-    ProcessResult nm = RunProcess({"nm", "-D", "--defined-only", BuildPath("em_tlraid.so")});
-    ASSERT_EQ(nm.exitCode, 0) << nm.err;
-    std::vector<std::string> names;
-    for (const std::string& line : Lines(nm.out))
-        names.push_back(line.substr(line.rfind(' ') + 1));
-    std::sort(names.begin(), names.end());
-    EXPECT_EQ(names, (std::vector<std::string>{"EM_Create", "EM_Delete", "EM_GetModuleName",
-                                               "EM_SetupAction"}));
-}
 
 // The information block of 246 bytes: kind 3, name and description zero filled, class
 // bits 10; the filler bytes 0xA5 stay where the module writes nothing.

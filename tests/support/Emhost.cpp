@@ -1,5 +1,7 @@
 #include "support/Emhost.h"
 
+#include <sys/stat.h>
+
 #include "support/SandboxHost.h"
 #include "support/TempDir.h"
 
@@ -52,5 +54,8 @@ EmhostRun RunEmhost(const std::vector<std::string>& inputLines, const EmhostOpti
     run.process = RunProcess(InSandbox(options.sandbox, argv), input);
     run.lines = Lines(run.process.out);
     run.trace = ReadWholeFile(tracePath);
+    struct stat st {};
+    if (stat(tracePath.c_str(), &st) == 0)
+        run.traceMode = st.st_mode & 07777;
     return run;
 }

@@ -8,11 +8,12 @@
 #include "support/Process.h"
 
 // One run of build/emhost inside the sandbox: the lines sent, the lines that came back,
-// and the trace that its trace server wrote.
+// and the trace that its trace server wrote, with the mode of its file.
 struct EmhostRun {
     ProcessResult process;
     std::vector<std::string> lines;
     std::string trace;
+    unsigned traceMode = 0;  // the trace file's permission bits
 };
 
 struct EmhostOptions {

@@ -1,6 +1,7 @@
 // The host simulator's line protocol, driven with a probe module that sends requests and
 // events on demand: its exact replies and its errors.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <string>
 #include <vector>
@@ -145,6 +146,38 @@ TEST(EmhostTest, WaitingForEventsFromTheModulesThread) {
     ASSERT_EQ(run.process.exitCode, 0);
     ASSERT_GE(run.lines.size(), 7u);
     EXPECT_EQ(run.lines[6], "{\"host\":\"wait-events\",\"ret\":3}");
+}
+
+// The trace holds secrets from level 3 on: emhost says so once, and its file is private to
+// its owner whatever the umask. The level is the one the module reads: the file's for its
+// section, or the environment's, which wins.
+TEST(EmhostTest, TraceWithSecretsIsNotedAndPrivate) {
+    struct Row {
+        const char* fileLevel;
+        std::vector<std::string> env;
+        bool noted;
+    };
+    const Row rows[] = {
+        {"2", {}, false},
+        {"3", {}, true},
+        {"2", {"TL_LOG_DEBUG_LEVEL=5"}, true},
+    };
+    const mode_t oldMask = umask(022);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string("level ") + row.fileLevel);
+        EmhostOptions options;
+        options.sandbox = {"--trace-level", row.fileLevel};
+        options.env = row.env;
+        EmhostRun run = RunEmhost({R"({"host":"exit"})"}, options);
+        EXPECT_EQ(run.process.exitCode, 0) << run.process.err;
+        const size_t note = run.process.err.find("emhost: trace level ");
+        EXPECT_EQ(note != std::string::npos, row.noted) << run.process.err;
+        if (note != std::string::npos) {
+            EXPECT_EQ(run.process.err.find("emhost: trace level ", note + 1), std::string::npos);
+        }
+        EXPECT_EQ(run.traceMode, 0600u);
+    }
+    umask(oldMask);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 """Tests of tlrcd-sim, inside the sandbox where the daemon's address is free: a session with
-the errors of its control file, and the logins it refuses (tokens made with PyJWT). A
-scenario's steps are tested in SimScenarioTest.cpp and in the e2e watch session.
+the errors of its control file and a private log, and the logins it refuses (tokens made with
+PyJWT). A scenario's steps are tested in SimScenarioTest.cpp and in the e2e watch session.
 """
 
 import http.client
@@ -9,6 +9,7 @@ import os
 import shutil
 import socket
 import ssl
+import stat
 import subprocess
 import sys
 import tempfile
@@ -91,6 +92,8 @@ class SimulatorTest(unittest.TestCase):
         self.dir = tempfile.mkdtemp(prefix="tlrcd-sim-test.")
         self.addCleanup(shutil.rmtree, self.dir)
         self.write("tree.xml", TREE)
+        # The usual umask, under which a file made with the default mode is readable by all.
+        self.addCleanup(os.umask, os.umask(0o022))
 
     def path(self, name):
         return os.path.join(self.dir, name)
@@ -132,6 +135,8 @@ class SimulatorTest(unittest.TestCase):
         self.assertEqual((login["jwt"]["header"], login["jwt"]["valid"], login["status"]),
                          ({"alg": "HS256", "typ": "JWT"}, True, 200))
         self.assertEqual(sim.status, 0, "ends cleanly on SIGTERM")
+        self.assertEqual(stat.S_IMODE(os.stat(self.path("log.jsonl")).st_mode), 0o600,
+                         "the log holds tokens: for its owner only")
 
     def test_refused_logins(self):
         none_token = jwt.encode({"iss": ISSUER, "exp": int(time.time()) + 60}, None,

@@ -4,11 +4,13 @@
 #include <vector>
 
 #include "runtime/Pipe.h"
+#include "runtime/PrivateFile.h"
 
 __attribute__((visibility("default"))) HostTraceServer Debug;
 
 bool HostTraceServer::OpenFile(const std::string& path) {
-    FilePtr file(fopen(path.c_str(), "a"));
+    // From trace level 3 on the trace holds tokens and whole requests: for the owner only.
+    FilePtr file = OpenPrivateFile(path);
     if (!file)
         return false;
     std::lock_guard<std::mutex> lock(m_Mutex);

@@ -14,7 +14,8 @@
 class HostTraceServer : public CITraceServer {
   public:
     HostTraceServer() = default;
-    // Appends to this file from now on; false if it can't be opened.
+    // Appends to this file, made private to its owner (mode 0600), from now on; false if it
+    // can't be opened.
     bool OpenFile(const std::string& path);
     void Flush();
     // Also hands every message, formatted, to this function; it must not trace.

@@ -18,6 +18,7 @@
 #include "LineProtocol.h"
 #include "ModuleLibrary.h"
 #include "ModuleLocation.h"
+#include "SecretsNote.h"
 #include "Watch.h"
 #include "raid/RaidSettings.h"
 
@@ -45,7 +46,8 @@ const char kUsage[] =
     "  --answer OC=JSON   how the switch answers requests of object code OC (decimal or 0x hex):\n"
     "                     JSON is an object whose ST and DA are written into the request;\n"
     "                     may be given several times\n"
-    "  --trace FILE       append every trace message to FILE (default: standard error)\n"
+    "  --trace FILE       append every trace message to FILE, for its owner only (mode 0600;\n"
+    "                     default: standard error)\n"
     "  --help             this text\n"
     "\n"
     "Lines: a command record {\"SIP\":{...}}, or an action {\"host\":ACTION,...} with ACTION one\n"
@@ -247,6 +249,11 @@ int main(int argc, char** argv) {
     if (!library.Load(options.module, error)) {
         fprintf(stderr, "emhost: %s\n", error.c_str());
         return kUsageError;
+    }
+    // A trace that is written anywhere (watch writes none without --trace) may hold secrets.
+    if (options.mode != Mode::kWatch || !options.trace.empty()) {
+        fputs(SecretsNote(ConfiguredTraceLevel(library.GetModuleName()), options.trace).c_str(),
+              stderr);
     }
 
     if (options.mode == Mode::kWatch)

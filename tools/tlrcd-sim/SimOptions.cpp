@@ -57,7 +57,8 @@ Options:
   --control FILE       fault injection, read anew at every request; a missing file means no
                        faults (see below)
   --log FILE           append one JSON line per request: method, path, headers, body, the
-                       decoded JWT of a login, the bearer token, the status and the reply
+                       decoded JWT of a login, the bearer token, the status and the reply;
+                       the file is for its owner only (mode 0600)
   --client-id ID       client_id that a login must carry (default TLRM_CLIENT_TLAS)
   --help               this text
 

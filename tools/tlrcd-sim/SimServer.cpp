@@ -7,6 +7,7 @@
 
 #include "SimJwt.h"
 #include "rest/RestConstants.h"
+#include "runtime/PrivateFile.h"
 
 namespace {
 
@@ -102,7 +103,8 @@ CSimServer::~CSimServer() = default;
 
 bool CSimServer::Open(const CTlsIdentity& identity, std::string& error) {
     if (!m_Options.sLogFile.empty()) {
-        m_pLog.reset(fopen(m_Options.sLogFile.c_str(), "a"));
+        // Every request's headers and body, tokens among them: for the owner only.
+        m_pLog = OpenPrivateFile(m_Options.sLogFile);
         if (!m_pLog) {
             error = "cannot open log file '" + m_Options.sLogFile + "'";
             return false;
