@@ -5,7 +5,7 @@
 
 std::shared_future<EmhostRun> HostSessions::s_Session;
 std::shared_future<ProcessResult> HostSessions::s_Inventory, HostSessions::s_ExportJson,
-    HostSessions::s_ExportWithoutService, HostSessions::s_Watch;
+    HostSessions::s_ExportWithoutService, HostSessions::s_Watch, HostSessions::s_WatchJson;
 
 namespace {
 
@@ -37,6 +37,14 @@ std::string WatchScenario() {
                                                         {"at_s": 3, "tree": "at-50.xml"}]})");
 }
 
+// The demo tree, whose drive 4 fails after 3 s: that of the failing-drive scenario.
+std::string FailingScenario() {
+    Files().Write("failed.xml",
+                  ReadWholeFile(SourcePath("samples/scenarios/trees/drive-failed.xml")));
+    return Files().Write("failing.json", R"({"steps": [{"at_s": 0, "tree": "at-37.xml"},
+                                                       {"at_s": 3, "tree": "failed.xml"}]})");
+}
+
 }  // namespace
 
 void HostSessions::SetUpTestSuite() {
@@ -57,10 +65,13 @@ void HostSessions::SetUpTestSuite() {
     s_ExportWithoutService = Start({"--raid", "none"}, {emhost, "export"});
     s_Watch = Start({"--trace-level", "3", "--sim", "--scenario " + WatchScenario()},
                     {emhost, "watch", "--duration", "20"});
+    s_WatchJson = Start({"--sim", "--scenario " + FailingScenario()},
+                        {emhost, "watch", "--json", "--exit-on-failure", "--duration", "100"});
 }
 
 void HostSessions::TearDownTestSuite() {
-    for (const auto* run : {&s_Inventory, &s_ExportJson, &s_ExportWithoutService, &s_Watch})
+    for (const auto* run :
+         {&s_Inventory, &s_ExportJson, &s_ExportWithoutService, &s_Watch, &s_WatchJson})
         run->wait();
     s_Session.wait();
 }
