@@ -1,5 +1,6 @@
 #include "MetricsCommand.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 
@@ -56,7 +57,8 @@ int RunMetrics(CIExtensionModule& module, ISwitch& hostSwitch, const MetricsOpti
         }
         if (!options.nIntervalSec || writeFailed)
             break;
-        next += interval;
+        // Every interval from the start; a read that took longer delays the next one only.
+        next = std::max(next + interval, SteadyClock::now());
     }
     fprintf(stderr, "\nStopping the module (a stop takes 10 s by design)...\n");
     module.Stop();

@@ -60,6 +60,7 @@ Options:
                        decoded JWT of a login, the bearer token, the status and the reply
   --client-id ID       client_id that a login must carry (default TLRM_CLIENT_TLAS)
   --help               this text
+  --version            the version of tlrcd-sim
 
 Control file: a JSON object with a member per endpoint, "authJwt", "sdt" or "redfishOp",
 each an object with any of:
@@ -90,6 +91,10 @@ bool ParseSimOptions(int argc, char** argv, CSimOptions& options, std::string& e
         const std::string arg = argv[i];
         if (arg == "--help" || arg == "-h") {
             options.bHelp = true;
+            continue;
+        }
+        if (arg == "--version") {
+            options.bVersion = true;
             continue;
         }
         static const char* const kWithValue[] = {"--listen", "--cert",      "--key",
