@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
@@ -60,8 +61,8 @@ const ModeSpec kModes[] = {
 constexpr unsigned Bit(Mode mode) {
     return 1u << static_cast<unsigned>(mode);
 }
-constexpr unsigned kAll = 0x1F;
 constexpr unsigned kViews = Bit(Mode::kInventory) | Bit(Mode::kWatch) | Bit(Mode::kMetrics);
+constexpr unsigned kAll = Bit(Mode::kLines) | Bit(Mode::kExport) | kViews;
 
 const ModeSpec& SpecOf(Mode mode) {
     for (const ModeSpec& spec : kModes) {
