@@ -64,13 +64,15 @@ TEST(EmhostViewsTest, MetricsEscapeLabelsAndLeaveOutWhatDidNotCome) {
         r.text = text;
         return r;
     };
-    state.adapters[0].name = reply(status::kOk, 0, "a \"b\" \\ c\nd");
+    state.adapters[0].name = reply(status::kOk, 0, "a \"b\" \\ c\nd\xff");
     state.adapters[0].status = {reply(status::kOk, 2), &inventory_words::AdapterStatus()};
     state.adapters[1].status = {reply(status::kNotAvailable, 0), &inventory_words::AdapterStatus()};
     const std::string text = MetricsText(state, MonitorHealth());
-    EXPECT_NE(text.find("\nem_tlraid_adapter_status{adapter=\"0\",name=\"a \\\"b\\\" \\\\ c\\nd\","
-                        "status=\"failed\"} 2\n"),
-              std::string::npos)
+    EXPECT_NE(
+        text.find(
+            "\nem_tlraid_adapter_status{adapter=\"0\",name=\"a \\\"b\\\" \\\\ c\\nd\\\\udcff\","
+            "status=\"failed\"} 2\n"),
+        std::string::npos)
         << text;
     EXPECT_EQ(text.find("adapter=\"1\""), std::string::npos) << text;
     // No tree was read yet: no age.

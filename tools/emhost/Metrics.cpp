@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ExitStatus.h"
+#include "HostOutput.h"
 #include "StorageState.h"
 
 namespace {
@@ -48,10 +49,11 @@ class Exposition {
     const std::string& Text() const { return m_sText; }
 
   private:
-    // A label value with its backslashes, quotes and line ends escaped.
+    // A label value with its backslashes, quotes and line ends escaped; a byte that is no
+    // valid UTF-8 as the line protocol writes it, with its backslash escaped in turn.
     static std::string Escaped(const std::string& value) {
         std::string out;
-        for (char c : value) {
+        for (char c : EscapeInvalidUtf8(value)) {
             if (c == '\\' || c == '"')
                 out += '\\';
             out += c == '\n' ? std::string("\\n") : std::string(1, c);
