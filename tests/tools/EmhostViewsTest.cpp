@@ -1,5 +1,5 @@
-// The pieces of emhost's views that need no module: when the text views colour, the
-// exposition of odd names, and the metrics file written whole.
+// The pieces of emhost's views that need no module: when the text views colour, the exit
+// bits of a look, the exposition of odd names, and the metrics file written whole.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -9,6 +9,7 @@
 #include <string>
 
 #include "Colour.h"
+#include "ExitStatus.h"
 #include "Metrics.h"
 #include "MetricsFile.h"
 #include "StorageState.h"
@@ -77,6 +78,48 @@ TEST(EmhostViewsTest, MetricsEscapeLabelsAndLeaveOutWhatDidNotCome) {
     EXPECT_EQ(text.find("adapter=\"1\""), std::string::npos) << text;
     // No tree was read yet: no age.
     EXPECT_EQ(text.find("\nem_tlraid_tree_age_seconds "), std::string::npos) << text;
+}
+
+// What a look tells of the daemon and the tree, and the severities of its statuses.
+TEST(EmhostViewsTest, ExitBitsOfALook) {
+    auto reply = [](uint32_t st, uint64_t number = 0) {
+        Reply r;
+        r.status = st;
+        r.number = number;
+        return r;
+    };
+    const Reply ok = reply(status::kOk), refused = reply(status::kNoRaidData);
+    const struct {
+        std::optional<Reply> renewal;
+        Reply adapterCount;
+        uint64_t driveStatus, logicalStatus;  // of a tree
+        int expected;
+    } rows[] = {
+        {std::nullopt, reply(status::kOk, 1), 0, 0, 0},
+        {ok, reply(status::kOk, 1), 6, 1, 16},      // rebuilding, degraded
+        {ok, reply(status::kOk, 1), 11, 1, 48},     // failed, degraded
+        {ok, reply(status::kOk, 1), 99, 0, 0},      // a number without words says nothing
+        {refused, reply(status::kOk, 1), 0, 0, 4},  // the old tree, kept
+        {refused, reply(status::kNotAvailable), 0, 0, 4},
+        {ok, reply(status::kNotAvailable), 0, 0, 8},
+        {std::nullopt, reply(status::kNotAvailable), 0, 0, 0},  // never asked why
+    };
+    for (const auto& row : rows) {
+        StorageState state;
+        state.renewal = row.renewal;
+        state.adapterCount = row.adapterCount;
+        if (row.adapterCount.Ok()) {
+            state.adapters.resize(1);
+            state.adapters[0].drives.resize(1);
+            state.adapters[0].drives[0].status = {reply(status::kOk, row.driveStatus),
+                                                  &inventory_words::DriveStatus()};
+            state.adapters[0].logicalDrives.resize(1);
+            state.adapters[0].logicalDrives[0].status = {reply(status::kOk, row.logicalStatus),
+                                                         &inventory_words::LogicalDriveStatus()};
+        }
+        EXPECT_EQ(exit_status::OfStorage(state), row.expected)
+            << &row - rows << ": " << exit_status::Describe(row.expected);
+    }
 }
 
 TEST(EmhostViewsTest, MetricsFileIsReplacedWholeOrLeftAlone) {
