@@ -25,7 +25,8 @@ std::shared_future<ProcessResult> Start(const std::vector<std::string>& sandbox,
 }
 
 // A tree whose logical drive's MDC progress moves from 37 to 50 after 3 s, long before the
-// polling thread's second cycle.
+// polling thread's second cycle; the watch's second look comes some 18 s after its start,
+// and it runs 25 s, to leave a slow machine room.
 std::string WatchScenario() {
     const std::string demo = ReadWholeFile(SourcePath("samples/trees/demo.xml"));
     const std::string from = "<MDCProgress>37</MDCProgress>";
@@ -64,7 +65,7 @@ void HostSessions::SetUpTestSuite() {
     s_ExportJson = Start({"--sim", Tree("demo.xml")}, {emhost, "export", "--json"});
     s_ExportWithoutService = Start({"--raid", "none"}, {emhost, "export"});
     s_Watch = Start({"--trace-level", "3", "--sim", "--scenario " + WatchScenario()},
-                    {emhost, "watch", "--duration", "20"});
+                    {emhost, "watch", "--duration", "25"});
     s_WatchJson = Start({"--sim", "--scenario " + FailingScenario()},
                         {emhost, "watch", "--json", "--exit-on-failure", "--duration", "100"});
 }

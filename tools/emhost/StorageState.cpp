@@ -38,33 +38,49 @@ Coded Ask(ModuleClient& c, uint32_t oc, uint32_t oe, uint32_t oi, const Vocabula
     return {c.Ask(oc, oe, oi), &meaning};
 }
 
-AdapterState ReadAdapter(ModuleClient& c, uint32_t a) {
+AdapterState ReadAdapter(ModuleClient& c, uint32_t a, Detail detail) {
+    const bool all = detail == Detail::kAll;
     AdapterState s;
     s.name = c.Ask(oc::kAdapterName, 0, a);
-    s.type = Ask(c, oc::kAdapterType, 0, a, words::AdapterType());
+    if (all)
+        s.type = Ask(c, oc::kAdapterType, 0, a, words::AdapterType());
     s.status = Ask(c, oc::kAdapterStatus, 0, a, words::AdapterStatus());
-    s.deviceId = c.Ask(oc::kAdapterDeviceId, 0, a);
-    for (size_t i = 0; i < std::size(kPciIdKinds); ++i)
-        s.pciIds[i] = c.Ask(oc::kAdapterPciIdentity, kPciIdKinds[i].nSelector, a);
+    if (all) {
+        s.deviceId = c.Ask(oc::kAdapterDeviceId, 0, a);
+        for (size_t i = 0; i < std::size(kPciIdKinds); ++i)
+            s.pciIds[i] = c.Ask(oc::kAdapterPciIdentity, kPciIdKinds[i].nSelector, a);
+    }
     for (uint32_t d = 0, n = c.Count(oc::kDriveCount, a); d < n; ++d) {
-        s.drives.push_back(
-            {c.Ask(oc::kDriveName, a, d), Ask(c, oc::kDriveType, a, d, words::DriveType()),
-             Ask(c, oc::kDriveStatus, a, d, words::DriveStatus()),
-             Ask(c, oc::kDriveSmartFlag, a, d, words::SmartFlag()), c.Ask(oc::kDriveSize, a, d)});
+        DriveState& drive = s.drives.emplace_back();
+        drive.name = c.Ask(oc::kDriveName, a, d);
+        if (all)
+            drive.type = Ask(c, oc::kDriveType, a, d, words::DriveType());
+        drive.status = Ask(c, oc::kDriveStatus, a, d, words::DriveStatus());
+        if (all) {
+            drive.smart = Ask(c, oc::kDriveSmartFlag, a, d, words::SmartFlag());
+            drive.size = c.Ask(oc::kDriveSize, a, d);
+        }
     }
     for (uint32_t l = 0, n = c.Count(oc::kLogicalDriveCount, a); l < n; ++l) {
-        s.logicalDrives.push_back(
-            {c.Ask(oc::kLogicalDriveName, a, l),
-             Ask(c, oc::kLogicalDriveStatus, a, l, words::LogicalDriveStatus()),
-             c.Ask(oc::kLogicalDriveRaidLevel, a, l), c.Ask(oc::kLogicalDriveSize, a, l),
-             c.Ask(oc::kLogicalDrivePhysicalSize, a, l),
-             c.Ask(oc::kLogicalDriveProperty, a, l, "\"MDCProgress\"")});
+        LogicalDriveState& drive = s.logicalDrives.emplace_back();
+        drive.name = c.Ask(oc::kLogicalDriveName, a, l);
+        drive.status = Ask(c, oc::kLogicalDriveStatus, a, l, words::LogicalDriveStatus());
+        if (all) {
+            drive.raidLevel = c.Ask(oc::kLogicalDriveRaidLevel, a, l);
+            drive.size = c.Ask(oc::kLogicalDriveSize, a, l);
+            drive.physicalSize = c.Ask(oc::kLogicalDrivePhysicalSize, a, l);
+        }
+        drive.progress = c.Ask(oc::kLogicalDriveProperty, a, l, "\"MDCProgress\"");
     }
     for (uint32_t b = 0, n = c.Count(oc::kBatteryCount, a); b < n; ++b) {
-        s.batteries.push_back({c.Ask(oc::kBatteryName, a, b),
-                               Ask(c, oc::kBatteryStatus, a, b, words::BatteryStatus()),
-                               Ask(c, oc::kBatteryLearnCycle, a, b, words::LearnCycle())});
+        BatteryState& battery = s.batteries.emplace_back();
+        battery.name = c.Ask(oc::kBatteryName, a, b);
+        battery.status = Ask(c, oc::kBatteryStatus, a, b, words::BatteryStatus());
+        if (all)
+            battery.learnCycle = Ask(c, oc::kBatteryLearnCycle, a, b, words::LearnCycle());
     }
+    if (!all)
+        return s;
     for (uint32_t p = 0, n = c.Count(oc::kPortCount, a); p < n; ++p)
         s.ports.push_back(c.Ask(oc::kPortName, a, p));
     for (uint32_t e = 0, n = c.Count(oc::kEnclosureCount, a); e < n; ++e) {
@@ -76,14 +92,14 @@ AdapterState ReadAdapter(ModuleClient& c, uint32_t a) {
 
 }  // namespace
 
-StorageState ReadStorage(ModuleClient& client, Renewal renewal) {
+StorageState ReadStorage(ModuleClient& client, Renewal renewal, Detail detail) {
     StorageState state;
     if (renewal == Renewal::kFirst)
         state.renewal = client.Ask(oc::kRenewSnapshot);
     state.adapterCount = client.Ask(oc::kAdapterCount);
     if (state.adapterCount.Ok()) {
         for (uint32_t a = 0; a < state.adapterCount.number; ++a)
-            state.adapters.push_back(ReadAdapter(client, a));
+            state.adapters.push_back(ReadAdapter(client, a, detail));
         for (size_t i = 0; i < std::size(kOverallKinds); ++i)
             state.overall[i] = Ask(client, kOverallKinds[i].nCode, 0, 0, words::ComponentStatus());
     } else if (renewal == Renewal::kToTellWhy) {

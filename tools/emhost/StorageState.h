@@ -116,8 +116,13 @@ struct StorageState {
 // can't be reached from a tree that is not valid.
 enum class Renewal { kFirst, kNever, kToTellWhy };
 
-// Asks the module for everything that the views show, as the given client.
-StorageState ReadStorage(ModuleClient& client, Renewal renewal);
+// How much a look reads: everything that the inventory shows, or what watch follows (the
+// names, statuses and progress of adapters, drives, logical drives and batteries, the
+// overall statuses, the cabinets), which keeps a look at every polling cycle short.
+enum class Detail { kAll, kWatched };
+
+// Asks the module for the storage, as the given client.
+StorageState ReadStorage(ModuleClient& client, Renewal renewal, Detail detail = Detail::kAll);
 // The cabinets part: the server's list of cabinets, then each cabinet through requests
 // addressed to its number.
 void ReadCabinets(ModuleClient& client, StorageState& state);

@@ -58,8 +58,8 @@ class Looks {
 };
 
 int Looks::Take() {
-    const StorageState still = ReadStorage(m_Still, Renewal::kNever);
-    const StorageState seen = ReadStorage(m_Watching, Renewal::kFirst);
+    const StorageState still = ReadStorage(m_Still, Renewal::kNever, Detail::kWatched);
+    const StorageState seen = ReadStorage(m_Watching, Renewal::kFirst, Detail::kWatched);
     const View view = ViewOf(seen), stillView = ViewOf(still);
     const int lines = m_bFirst ? FirstLook(seen, view) : LaterLook(seen, view, still, stillView);
     m_bFirst = false;
