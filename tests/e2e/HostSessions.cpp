@@ -5,7 +5,7 @@
 
 std::shared_future<EmhostRun> HostSessions::s_Session;
 std::shared_future<ProcessResult> HostSessions::s_Inventory, HostSessions::s_ExportJson,
-    HostSessions::s_ExportWithoutService, HostSessions::s_Watch;
+    HostSessions::s_ExportWithoutService, HostSessions::s_Watch, HostSessions::s_WatchJson;
 
 namespace {
 
@@ -25,7 +25,8 @@ std::shared_future<ProcessResult> Start(const std::vector<std::string>& sandbox,
 }
 
 // A tree whose logical drive's MDC progress moves from 37 to 50 after 3 s, long before the
-// polling thread's second cycle.
+// polling thread's second cycle; the watch's second look comes some 18 s after its start,
+// and it runs 25 s, to leave a slow machine room.
 std::string WatchScenario() {
     const std::string demo = ReadWholeFile(SourcePath("samples/trees/demo.xml"));
     const std::string from = "<MDCProgress>37</MDCProgress>";
@@ -35,6 +36,14 @@ std::string WatchScenario() {
     Files().Write("at-50.xml", moved);
     return Files().Write("scenario.json", R"({"steps": [{"at_s": 0, "tree": "at-37.xml"},
                                                         {"at_s": 3, "tree": "at-50.xml"}]})");
+}
+
+// The demo tree, whose drive 4 fails after 3 s: that of the failing-drive scenario.
+std::string FailingScenario() {
+    Files().Write("failed.xml",
+                  ReadWholeFile(SourcePath("samples/scenarios/trees/drive-failed.xml")));
+    return Files().Write("failing.json", R"({"steps": [{"at_s": 0, "tree": "at-37.xml"},
+                                                       {"at_s": 3, "tree": "failed.xml"}]})");
 }
 
 }  // namespace
@@ -56,11 +65,14 @@ void HostSessions::SetUpTestSuite() {
     s_ExportJson = Start({"--sim", Tree("demo.xml")}, {emhost, "export", "--json"});
     s_ExportWithoutService = Start({"--raid", "none"}, {emhost, "export"});
     s_Watch = Start({"--trace-level", "3", "--sim", "--scenario " + WatchScenario()},
-                    {emhost, "watch", "--duration", "20"});
+                    {emhost, "watch", "--duration", "25"});
+    s_WatchJson = Start({"--sim", "--scenario " + FailingScenario()},
+                        {emhost, "watch", "--json", "--exit-on-failure", "--duration", "100"});
 }
 
 void HostSessions::TearDownTestSuite() {
-    for (const auto* run : {&s_Inventory, &s_ExportJson, &s_ExportWithoutService, &s_Watch})
+    for (const auto* run :
+         {&s_Inventory, &s_ExportJson, &s_ExportWithoutService, &s_Watch, &s_WatchJson})
         run->wait();
     s_Session.wait();
 }

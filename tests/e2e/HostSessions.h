@@ -31,9 +31,11 @@ class HostSessions : public ::testing::Test {
     static const ProcessResult& ExportWithoutService() { return s_ExportWithoutService.get(); }
     // "emhost watch" on a scenario whose progress moves before the second polling cycle.
     static const ProcessResult& Watch() { return s_Watch.get(); }
+    // "emhost watch --json --exit-on-failure" on a scenario whose drive fails after 3 s.
+    static const ProcessResult& WatchJson() { return s_WatchJson.get(); }
 
   private:
     static std::shared_future<EmhostRun> s_Session;
     static std::shared_future<ProcessResult> s_Inventory, s_ExportJson, s_ExportWithoutService,
-        s_Watch;
+        s_Watch, s_WatchJson;
 };

@@ -11,7 +11,8 @@ namespace {
 
 TEST_F(HostSessions, InventoryOfAdaptersAndCabinetsInTheirStates) {
     const ProcessResult& r = Inventory();
-    ASSERT_EQ(r.exitCode, 0) << r.err;
+    // A fan and a sensor in warning, a power supply critical: degraded (16) and failed (32).
+    ASSERT_EQ(r.exitCode, 48) << r.err;
     // The host lists both adapters, yet its scan gives no ids.
     const char* noIds =
         "  PCI ids: device (not available), vendor (not available), subsystem "
@@ -41,8 +42,11 @@ TEST_F(HostSessions, InventoryOfAdaptersAndCabinetsInTheirStates) {
         "  Power supply redundancy: 1 redundant",
         "Stopping the module (a stop takes 10 s by design)...",
         "Module deleted.",
+        "Exit status 48: something is degraded or rebuilding; something has failed.",
     };
     EXPECT_TRUE(ContainsInOrder(r.out, expected));
+    // Not a terminal: no colour.
+    EXPECT_EQ(r.out.find('\033'), std::string::npos);
 }
 
 TEST_F(HostSessions, ExportPrintsTheTreeAsItCameOrNothing) {
@@ -75,6 +79,29 @@ TEST_F(HostSessions, WatchSeesTheProgressMoveAfterTheNextCycle) {
     };
     EXPECT_TRUE(ContainsInOrder(r.out, expected));
     EXPECT_EQ(r.out.find(" event: "), std::string::npos) << r.out;
+}
+
+// Every line a JSON object of the format 1.0: the first look's values as new ones, the failed
+// drive as a change; the watch ends at that look with the bits of what it saw.
+TEST_F(HostSessions, WatchJsonEndsAtTheFirstFailure) {
+    const ProcessResult& r = WatchJson();
+    EXPECT_EQ(r.exitCode, 48) << r.err << r.out;
+    const std::string drive =
+        R"("kind":"change","client":1,"object":"drive","adapter":0,"index":4,)"
+        R"x("name":"MIRAVEX MX4000N (10)","field":"status",)x";
+    const char* expected[] = {
+        R"("kind":"change","client":1,"object":"adapter","adapter":0,"name":"TL RAID EP540i",)"
+        R"("field":"status","old":null,"new":{"code":0,"name":"OK"}})",
+        R"("field":"progress","old":null,"new":37})",
+    };
+    EXPECT_TRUE(ContainsInOrder(r.out, expected));
+    EXPECT_NE(r.out.find(drive + R"("old":{"code":0,"name":"operational"},)"
+                                 R"("new":{"code":11,"name":"failed"}})"),
+              std::string::npos)
+        << r.out;
+    for (const std::string& line : Lines(r.out))
+        EXPECT_EQ(line.rfind(R"({"format_version":[1,0],"time":")", 0), 0u) << line;
+    EXPECT_NE(r.err.find("Something has failed. Stopping the module"), std::string::npos) << r.err;
 }
 
 }  // namespace

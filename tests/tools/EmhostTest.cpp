@@ -180,4 +180,80 @@ TEST(EmhostTest, TraceWithSecretsIsNotedAndPrivate) {
     umask(oldMask);
 }
 
+// Bad input to any option or argument: one line naming it, one line with the hint, exit 2,
+// nothing on standard output and nothing done.
+TEST(EmhostTest, BadCommandLinesAreRefusedWithAHint) {
+    const struct {
+        std::vector<std::string> args;
+        const char* command;
+        const char* error;
+    } rows[] = {
+        {{"inventory", "--bogus"}, "emhost inventory", "unknown option --bogus"},
+        {{"inventory", "--duration", "5"},
+         "emhost inventory",
+         "--duration is no option of inventory"},
+        {{"inventory", "--json=yes"}, "emhost inventory", "--json takes no value"},
+        {{"inventory", "extra"}, "emhost inventory", "inventory takes no argument, not 'extra'"},
+        {{"inventory", "--color=blue"},
+         "emhost inventory",
+         "--color takes auto, always or never, not 'blue'"},
+        {{"watch", "--duration", "0"},
+         "emhost watch",
+         "--duration takes a whole number of seconds from 1 to 4294967295, not '0'"},
+        {{"watch", "--duration"}, "emhost watch", "--duration needs a value: SECONDS"},
+        {{"metrics", "--interval", "-5"},
+         "emhost metrics",
+         "--interval takes a whole number of seconds"},
+        {{"metrics", "--interval=4294967296"}, "emhost metrics", "not '4294967296'"},
+        {{"metrics", "--output", "/nonexistent/storage.prom"},
+         "emhost metrics",
+         "--output needs a file in a directory that can be written"},
+        {{"export", "--exit-on-change"},
+         "emhost export",
+         "--exit-on-change is no option of export"},
+        {{"--switch-type", "0x1x"},
+         "emhost",
+         "--switch-type takes a number from 0 to 4294967295, not '0x1x'"},
+        {{"--answer", "8464"}, "emhost", "--answer takes OC=JSON"},
+        {{"watch", "--answer", "8464={"}, "emhost watch", "8464"},
+        {{"metrics", "--module", "/nonexistent/em.so"}, "emhost metrics", "/nonexistent/em.so"},
+        {{"inventory", "--trace", "/nonexistent/trace.txt"},
+         "emhost inventory",
+         "cannot open trace file /nonexistent/trace.txt"},
+        {{"one.jsonl", "two.jsonl"}, "emhost", "only one SCRIPT may be given"},
+    };
+    for (const auto& row : rows) {
+        std::vector<std::string> argv = {BuildPath("emhost")};
+        argv.insert(argv.end(), row.args.begin(), row.args.end());
+        const ProcessResult r = RunProcess(argv);
+        const std::vector<std::string> err = Lines(r.err);
+        SCOPED_TRACE(row.args.back());
+        EXPECT_EQ(r.exitCode, 2);
+        EXPECT_EQ(r.out, "");
+        ASSERT_EQ(err.size(), 2u) << r.err;
+        EXPECT_EQ(err[0].rfind(std::string(row.command) + ": ", 0), 0u) << err[0];
+        EXPECT_NE(err[0].find(row.error), std::string::npos) << err[0];
+        EXPECT_EQ(err[1], "Try '" + std::string(row.command) + " --help' for more information.");
+    }
+}
+
+// Every subcommand has its help, on standard output, in the form that man pages are made from.
+TEST(EmhostTest, HelpAndVersionForEverySubcommand) {
+    for (const char* command : {"", "inventory", "export", "watch", "metrics"}) {
+        std::vector<std::string> argv = {BuildPath("emhost")};
+        if (*command)
+            argv.push_back(command);
+        argv.push_back("--help");
+        const ProcessResult r = RunProcess(argv);
+        SCOPED_TRACE(command);
+        EXPECT_EQ(r.exitCode, 0);
+        EXPECT_EQ(r.out.rfind("Usage: emhost " + std::string(command), 0), 0u) << r.out;
+        EXPECT_NE(r.out.find("\nOptions:\n  --"), std::string::npos) << r.out;
+        EXPECT_NE(r.out.find("\n  --version "), std::string::npos) << r.out;
+    }
+    const ProcessResult version = RunProcess({BuildPath("emhost"), "watch", "--version"});
+    EXPECT_EQ(version.exitCode, 0);
+    EXPECT_EQ(version.out.rfind("emhost 1.", 0), 0u) << version.out;
+}
+
 }  // namespace

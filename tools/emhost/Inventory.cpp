@@ -1,85 +1,66 @@
 #include "Inventory.h"
 
-#include <chrono>
 #include <cstdio>
 #include <string>
 
-#include "InventoryCabinets.h"
-#include "InventoryWords.h"
-#include "ModuleClient.h"
+#include "ExitStatus.h"
+#include "InventoryJson.h"
+#include "ModuleStart.h"
+#include "StorageState.h"
 #include "TextTable.h"
-#include "frame/CommandRecord.h"
 #include "frame/ExtensionModule.h"
 
 namespace {
 
-namespace words = inventory_words;
-
 constexpr uint32_t kClientId = 1;
-using Client = ModuleClient;
-
-std::string Size(Client& c, uint32_t oc, uint32_t oe, uint32_t oi, const char* unit) {
-    Reply r = c.Ask(oc, oe, oi);
-    return r.Ok() ? std::to_string(r.number) + " " + unit : Client::NoAnswer(r.status);
-}
 
 // The ids of the host's PCI device at the adapter's address, each in hex or the status
 // that came instead.
-std::string PciIds(Client& c, uint32_t a) {
-    const std::pair<const char*, uint32_t> ids[] = {
-        {"device", oc::kSelectPciDeviceId},
-        {"vendor", oc::kSelectPciVendorId},
-        {"subsystem", oc::kSelectPciSubsystemId},
-        {"subsystem vendor", oc::kSelectPciSubsystemVendorId}};
+std::string PciIds(const AdapterState& adapter) {
     std::string line;
-    for (const auto& [name, selector] : ids) {
-        Reply r = c.Ask(oc::kAdapterPciIdentity, selector, a);
+    for (size_t i = 0; i < std::size(kPciIdKinds); ++i) {
+        const Reply& r = adapter.pciIds[i];
         char hex[24];
         snprintf(hex, sizeof hex, "0x%04llX", static_cast<unsigned long long>(r.number));
-        line += std::string(line.empty() ? "" : ", ") + name + " " +
-                (r.Ok() ? hex : Client::NoAnswer(r.status));
+        line += std::string(line.empty() ? "" : ", ") + kPciIdKinds[i].name + " " +
+                (r.Ok() ? hex : ModuleClient::NoAnswer(r.status));
     }
     return line;
 }
 
-void PrintAdapter(Client& c, uint32_t a) {
-    printf("\nAdapter %u: %s\n", a, c.Text(oc::kAdapterName, 0, a).c_str());
-    printf("  type %s, status %s, PCI device id %s\n",
-           c.Show(oc::kAdapterType, 0, a, words::AdapterType).c_str(),
-           c.Show(oc::kAdapterStatus, 0, a, words::AdapterStatus).c_str(),
-           c.Text(oc::kAdapterDeviceId, 0, a).c_str());
-    printf("  PCI ids: %s\n", PciIds(c, a).c_str());
+void PrintAdapter(const AdapterState& s, uint32_t a, const Palette& palette) {
+    printf("\nAdapter %u: %s\n", a, Shown(s.name).c_str());
+    printf("  type %s, status %s, PCI device id %s\n", s.type.Shown().c_str(),
+           palette.Paint(s.status.Shown(), s.status.SeverityOf()).c_str(),
+           Shown(s.deviceId).c_str());
+    printf("  PCI ids: %s\n", PciIds(s).c_str());
 
     TextTable drives({"#", "name", "type", "status", "SMART", "size"});
-    for (uint32_t d = 0, n = c.Count(oc::kDriveCount, a); d < n; ++d) {
-        drives.Add({std::to_string(d), c.Text(oc::kDriveName, a, d),
-                    c.Show(oc::kDriveType, a, d, words::DriveType),
-                    c.Show(oc::kDriveStatus, a, d, words::DriveStatus),
-                    c.Show(oc::kDriveSmartFlag, a, d, words::SmartFlag),
-                    Size(c, oc::kDriveSize, a, d, "MB")});
+    for (size_t d = 0; d < s.drives.size(); ++d) {
+        const DriveState& drive = s.drives[d];
+        drives.Add({std::to_string(d), Shown(drive.name), drive.type.Shown(),
+                    StatusCell(drive.status), StatusCell(drive.smart), Shown(drive.size, " MB")});
     }
     TextTable logical({"#", "name", "status", "RAID level", "size", "physical size"});
-    for (uint32_t l = 0, n = c.Count(oc::kLogicalDriveCount, a); l < n; ++l) {
-        logical.Add({std::to_string(l), c.Text(oc::kLogicalDriveName, a, l),
-                     c.Show(oc::kLogicalDriveStatus, a, l, words::LogicalDriveStatus),
-                     c.Text(oc::kLogicalDriveRaidLevel, a, l),
-                     Size(c, oc::kLogicalDriveSize, a, l, "MB"),
-                     Size(c, oc::kLogicalDrivePhysicalSize, a, l, "MB")});
+    for (size_t l = 0; l < s.logicalDrives.size(); ++l) {
+        const LogicalDriveState& drive = s.logicalDrives[l];
+        logical.Add({std::to_string(l), Shown(drive.name), StatusCell(drive.status),
+                     Shown(drive.raidLevel), Shown(drive.size, " MB"),
+                     Shown(drive.physicalSize, " MB")});
     }
     TextTable batteries({"#", "name", "status", "learn cycle"});
-    for (uint32_t b = 0, n = c.Count(oc::kBatteryCount, a); b < n; ++b) {
-        batteries.Add({std::to_string(b), c.Text(oc::kBatteryName, a, b),
-                       c.Show(oc::kBatteryStatus, a, b, words::BatteryStatus),
-                       c.Show(oc::kBatteryLearnCycle, a, b, words::LearnCycle)});
+    for (size_t b = 0; b < s.batteries.size(); ++b) {
+        const BatteryState& battery = s.batteries[b];
+        batteries.Add({std::to_string(b), Shown(battery.name), StatusCell(battery.status),
+                       StatusCell(battery.learnCycle)});
     }
     TextTable ports({"#", "name"});
-    for (uint32_t p = 0, n = c.Count(oc::kPortCount, a); p < n; ++p) {
-        ports.Add({std::to_string(p), c.Text(oc::kPortName, a, p)});
-    }
+    for (size_t p = 0; p < s.ports.size(); ++p)
+        ports.Add({std::to_string(p), Shown(s.ports[p])});
     TextTable enclosures({"#", "name", "status"});
-    for (uint32_t e = 0, n = c.Count(oc::kEnclosureCount, a); e < n; ++e) {
-        enclosures.Add({std::to_string(e), c.Text(oc::kEnclosureName, a, e),
-                        c.Show(oc::kEnclosureStatus, a, e, words::ComponentStatus)});
+    for (size_t e = 0; e < s.enclosures.size(); ++e) {
+        enclosures.Add(
+            {std::to_string(e), Shown(s.enclosures[e].name), StatusCell(s.enclosures[e].status)});
     }
     const std::pair<const char*, const TextTable*> sections[] = {{"Physical drives", &drives},
                                                                  {"Logical drives", &logical},
@@ -91,44 +72,53 @@ void PrintAdapter(Client& c, uint32_t a) {
             printf("  %s: none\n", title);
         } else {
             printf("  %s:\n", title);
-            table->Print(stdout, "    ");
+            table->Print(stdout, "    ", palette);
         }
     }
 }
 
 }  // namespace
 
-int PrintInventory(CIExtensionModule& module, ISwitch& hostSwitch) {
-    printf("Starting the module (it looks for the RAID service and waits for a valid tree)...\n");
-    fflush(stdout);
-    auto started = std::chrono::steady_clock::now();
-    int ret = module.Start(&hostSwitch, 0);
-    auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(
-                  std::chrono::steady_clock::now() - started)
-                  .count();
-    printf("Start returned %d after %lld ms.\n", ret, static_cast<long long>(ms));
+TextTable::Cell StatusCell(const Coded& status) {
+    return TextTable::Cell(status.Shown(), status.SeverityOf());
+}
 
-    Client client(module, kClientId);
-    Reply count = client.Ask(oc::kAdapterCount);
-    if (!count.Ok()) {
+void PrintStorage(const StorageState& state, const Palette& palette) {
+    if (!state.adapterCount.Ok()) {
         printf("\nNo storage tree: the module answers %s.\n",
-               Client::NoAnswer(count.status).c_str());
-    } else {
-        printf("\n%llu adapter(s)\n", static_cast<unsigned long long>(count.number));
-        for (uint32_t a = 0; a < count.number; ++a)
-            PrintAdapter(client, a);
-        printf("\nOverall status:\n");
-        TextTable overall({"what", "status"});
-        overall.Add({"all", client.Show(oc::kOverallStatus, 0, 0, words::ComponentStatus)});
-        overall.Add({"adapters", client.Show(oc::kAdaptersStatus, 0, 0, words::ComponentStatus)});
-        overall.Add({"logical drives",
-                     client.Show(oc::kLogicalDrivesStatus, 0, 0, words::ComponentStatus)});
-        overall.Add({"disks", client.Show(oc::kDisksStatus, 0, 0, words::ComponentStatus)});
-        overall.Print(stdout, "  ");
+               ModuleClient::NoAnswer(state.adapterCount.status).c_str());
+        return;
     }
-    PrintCabinets(module);
-    printf("\nStopping the module (a stop takes 10 s by design)...\n");
+    printf("\n%llu adapter(s)\n", static_cast<unsigned long long>(state.adapterCount.number));
+    for (size_t a = 0; a < state.adapters.size(); ++a)
+        PrintAdapter(state.adapters[a], static_cast<uint32_t>(a), palette);
+    printf("\nOverall status:\n");
+    TextTable overall({"what", "status"});
+    for (size_t i = 0; i < std::size(kOverallKinds); ++i)
+        overall.Add({kOverallKinds[i].name, StatusCell(state.overall[i])});
+    overall.Print(stdout, "  ", palette);
+}
+
+int RunInventory(CIExtensionModule& module, ISwitch& hostSwitch, const InventoryOptions& options) {
+    // With JSON, standard output carries the document alone.
+    FILE* chatter = options.bJson ? stderr : stdout;
+    const StartResult start = StartModule(module, hostSwitch, chatter);
+    ModuleClient client(module, kClientId);
+    const StorageState state = ReadStorage(client, Renewal::kToTellWhy);
+    int status = exit_status::OfStorage(state);
+    if (!start.nReturned)
+        status |= exit_status::kModule;
+    if (options.bJson) {
+        const std::string json = InventoryJson(state, module.GetModuleName(), start, status);
+        fwrite(json.data(), 1, json.size(), stdout);
+        fputc('\n', stdout);
+    } else {
+        PrintStorage(state, options.palette);
+        PrintCabinets(state, options.palette);
+    }
+    fprintf(chatter, "\nStopping the module (a stop takes 10 s by design)...\n");
+    fflush(chatter);
     fflush(stdout);
     module.Stop();
-    return count.Ok() ? 0 : 1;
+    return status;
 }

@@ -1,159 +1,186 @@
 #include "InventoryWords.h"
 
-#include <map>
-
 #include "frame/SwitchProtocol.h"
+
+const Vocabulary::Word* Vocabulary::Find(uint32_t value) const {
+    for (const Word& word : m_Words) {
+        if (word.value == value)
+            return &word;
+    }
+    return nullptr;
+}
+
+const char* Vocabulary::Name(uint32_t value) const {
+    const Word* word = Find(value);
+    return word ? word->name : "unknown";
+}
+
+Severity Vocabulary::SeverityOf(uint32_t value) const {
+    const Word* word = Find(value);
+    return word ? word->severity : Severity::kNone;
+}
+
+std::string Vocabulary::Show(uint32_t value) const {
+    return std::to_string(value) + " " + Name(value);
+}
+
+std::string Vocabulary::Legend() const {
+    std::string legend;
+    for (const Word& word : m_Words)
+        legend += (legend.empty() ? "" : ", ") + Show(word.value);
+    return legend;
+}
 
 namespace inventory_words {
 
 namespace {
 
 using namespace answer;
-
-std::string Lookup(const std::map<uint32_t, const char*>& words, uint32_t value) {
-    auto it = words.find(value);
-    std::string word = it != words.end() ? it->second : "unknown";
-    return std::to_string(value) + " " + word;
-}
+constexpr Severity kNone = Severity::kNone;
+constexpr Severity kOk = Severity::kOk;
+constexpr Severity kWarning = Severity::kWarning;
+constexpr Severity kFailed = Severity::kFailed;
 
 }  // namespace
 
-std::string AdapterType(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {
-        {kAdapterScsi, "SCSI"}, {kAdapterAtapi, "ATAPI"}, {kAdapterAta, "ATA"},
-        {kAdapter1394, "1394"}, {kAdapterSsa, "SSA"},     {kAdapterFibre, "Fibre"},
-        {kAdapterUsb, "USB"},   {kAdapterSata, "SATA"},   {kAdapterSas, "SAS"},
-        {kAdapterPcie, "PCIe"}};
-    return Lookup(words, v);
+const Vocabulary& AdapterType() {
+    static const Vocabulary words = {{kAdapterScsi, "SCSI", kNone}, {kAdapterAtapi, "ATAPI", kNone},
+                                     {kAdapterAta, "ATA", kNone},   {kAdapter1394, "1394", kNone},
+                                     {kAdapterSsa, "SSA", kNone},   {kAdapterFibre, "Fibre", kNone},
+                                     {kAdapterUsb, "USB", kNone},   {kAdapterSata, "SATA", kNone},
+                                     {kAdapterSas, "SAS", kNone},   {kAdapterPcie, "PCIe", kNone}};
+    return words;
 }
 
-std::string AdapterStatus(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {
-        {kAdapterOk, "OK"}, {kAdapterWarning, "warning"}, {kAdapterFailed, "failed"}};
-    return Lookup(words, v);
+const Vocabulary& AdapterStatus() {
+    static const Vocabulary words = {{kAdapterOk, "OK", kOk},
+                                     {kAdapterWarning, "warning", kWarning},
+                                     {kAdapterFailed, "failed", kFailed}};
+    return words;
 }
 
-std::string DriveStatus(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {
-        {kDriveOperational, "operational"},
-        {kDriveCopyback, "copyback"},
-        {kDriveAvailable, "available"},
-        {kDriveUnconfiguredFailed, "unconfigured failed"},
-        {kDriveDedicatedHotspare, "dedicated hotspare"},
-        {kDriveGlobalHotspare, "global hotspare"},
-        {kDriveRebuilding, "rebuilding"},
-        {kDriveRebuildNecessarySmart, "rebuild necessary (SMART)"},
-        {kDriveRebuildNecessary, "rebuild necessary"},
-        {kDriveJbod, "JBOD"},
-        {kDriveMigrating, "migrating"},
-        {kDriveFailed, "failed"},
-        {kDriveFailedMissing, "failed (missing)"},
-        {kDriveOffline, "offline"},
-        {kDriveShield, "shield"},
-        {kDriveAutoReplaceHotspare, "auto replace hotspare"}};
-    return Lookup(words, v);
+// A drive that is out of its array has failed; one whose data is moving, or that waits for
+// a rebuild, leaves its array degraded meanwhile.
+const Vocabulary& DriveStatus() {
+    static const Vocabulary words = {
+        {kDriveOperational, "operational", kOk},
+        {kDriveCopyback, "copyback", kWarning},
+        {kDriveAvailable, "available", kOk},
+        {kDriveUnconfiguredFailed, "unconfigured failed", kFailed},
+        {kDriveDedicatedHotspare, "dedicated hotspare", kOk},
+        {kDriveGlobalHotspare, "global hotspare", kOk},
+        {kDriveRebuilding, "rebuilding", kWarning},
+        {kDriveRebuildNecessarySmart, "rebuild necessary (SMART)", kWarning},
+        {kDriveRebuildNecessary, "rebuild necessary", kWarning},
+        {kDriveJbod, "JBOD", kOk},
+        {kDriveMigrating, "migrating", kWarning},
+        {kDriveFailed, "failed", kFailed},
+        {kDriveFailedMissing, "failed (missing)", kFailed},
+        {kDriveOffline, "offline", kFailed},
+        {kDriveShield, "shield", kWarning},
+        {kDriveAutoReplaceHotspare, "auto replace hotspare", kOk}};
+    return words;
 }
 
-std::string DriveType(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {{kDriveTypeScsi, "SCSI"},
-                                                          {kDriveTypeSata, "SATA"},
-                                                          {kDriveTypeSas, "SAS"},
-                                                          {kDriveTypeNvme, "NVMe"},
-                                                          {kDriveTypePciExpress, "PCI Express"}};
-    return Lookup(words, v);
+const Vocabulary& DriveType() {
+    static const Vocabulary words = {{kDriveTypeScsi, "SCSI", kNone},
+                                     {kDriveTypeSata, "SATA", kNone},
+                                     {kDriveTypeSas, "SAS", kNone},
+                                     {kDriveTypeNvme, "NVMe", kNone},
+                                     {kDriveTypePciExpress, "PCI Express", kNone}};
+    return words;
 }
 
-std::string SmartFlag(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {
-        {kSmartNoError, "no error"}, {kSmartError, "SMART error"}, {kNoAnswer, "no statement"}};
-    return Lookup(words, v);
+const Vocabulary& SmartFlag() {
+    static const Vocabulary words = {{kSmartNoError, "no error", kOk},
+                                     {kSmartError, "SMART error", kWarning},
+                                     {kNoAnswer, "no statement", kNone}};
+    return words;
 }
 
-std::string LogicalDriveStatus(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {
-        {kLogicalOperational, "operational"},
-        {kLogicalDegraded, "degraded"},
-        {kLogicalPartiallyDegraded, "partially degraded"},
-        {kLogicalFailed, "failed"},
-        {kLogicalImpacted, "impacted"}};
-    return Lookup(words, v);
+const Vocabulary& LogicalDriveStatus() {
+    static const Vocabulary words = {{kLogicalOperational, "operational", kOk},
+                                     {kLogicalDegraded, "degraded", kWarning},
+                                     {kLogicalPartiallyDegraded, "partially degraded", kWarning},
+                                     {kLogicalFailed, "failed", kFailed},
+                                     {kLogicalImpacted, "impacted", kWarning}};
+    return words;
 }
 
-std::string BatteryStatus(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {
-        {kBatteryNormal, "normal"},
-        {kBatteryVoltageProblem, "voltage problem"},
-        {kBatteryCharging, "charging"},
-        {kBatteryDischarging, "discharging"},
-        {kBatteryWarning, "warning"},
-        {kBatteryFailed, "failed"},
-        {kBatteryTemperatureProblem, "temperature problem"}};
-    return Lookup(words, v);
+const Vocabulary& BatteryStatus() {
+    static const Vocabulary words = {{kBatteryNormal, "normal", kOk},
+                                     {kBatteryVoltageProblem, "voltage problem", kWarning},
+                                     {kBatteryCharging, "charging", kOk},
+                                     {kBatteryDischarging, "discharging", kWarning},
+                                     {kBatteryWarning, "warning", kWarning},
+                                     {kBatteryFailed, "failed", kFailed},
+                                     {kBatteryTemperatureProblem, "temperature problem", kWarning}};
+    return words;
 }
 
-std::string LearnCycle(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {{kLearnCycleRequested, "requested"},
-                                                          {kLearnCycleActive, "active"},
-                                                          {kLearnCycleTimedOut, "timed out"},
-                                                          {kLearnCycleFailed, "failed"},
-                                                          {kNoAnswer, "none of these"}};
-    return Lookup(words, v);
+const Vocabulary& LearnCycle() {
+    static const Vocabulary words = {{kLearnCycleRequested, "requested", kOk},
+                                     {kLearnCycleActive, "active", kOk},
+                                     {kLearnCycleTimedOut, "timed out", kWarning},
+                                     {kLearnCycleFailed, "failed", kWarning},
+                                     {kNoAnswer, "none of these", kNone}};
+    return words;
 }
 
-std::string ComponentStatus(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {{kOverallUnknown, "unknown"},
-                                                          {kOverallOk, "OK"},
-                                                          {kOverallWarning, "warning"},
-                                                          {kOverallFailed, "failed"}};
-    return Lookup(words, v);
+const Vocabulary& ComponentStatus() {
+    static const Vocabulary words = {{kOverallUnknown, "unknown", kNone},
+                                     {kOverallOk, "OK", kOk},
+                                     {kOverallWarning, "warning", kWarning},
+                                     {kOverallFailed, "failed", kFailed}};
+    return words;
 }
 
-std::string FanStatus(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {{kFanOk, "OK"},
-                                                          {kFanCritical, "critical"},
-                                                          {kFanNonCritical, "non critical"},
-                                                          {kFanUnknown, "unknown"},
-                                                          {kFanNotInstalled, "not installed"}};
-    return Lookup(words, v);
+const Vocabulary& FanStatus() {
+    static const Vocabulary words = {{kFanOk, "OK", kOk},
+                                     {kFanCritical, "critical", kFailed},
+                                     {kFanNonCritical, "non critical", kWarning},
+                                     {kFanUnknown, "unknown", kNone},
+                                     {kFanNotInstalled, "not installed", kNone}};
+    return words;
 }
 
-std::string FanLocation(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {{kFanLocationUndefined, "undefined"},
-                                                          {kFanInPowerSupply, "power supply"},
-                                                          {kFanInFanModule, "fan module"}};
-    return Lookup(words, v);
+const Vocabulary& FanLocation() {
+    static const Vocabulary words = {{kFanLocationUndefined, "undefined", kNone},
+                                     {kFanInPowerSupply, "power supply", kNone},
+                                     {kFanInFanModule, "fan module", kNone}};
+    return words;
 }
 
-std::string TempSensorStatus(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {{kSensorUnknown, "unknown"},
-                                                          {kSensorUnrecoverable, "unrecoverable"},
-                                                          {kSensorNonCritical, "non critical"},
-                                                          {kSensorCritical, "critical"},
-                                                          {kSensorOk, "OK"}};
-    return Lookup(words, v);
+const Vocabulary& TempSensorStatus() {
+    static const Vocabulary words = {{kSensorUnknown, "unknown", kNone},
+                                     {kSensorUnrecoverable, "unrecoverable", kFailed},
+                                     {kSensorNonCritical, "non critical", kWarning},
+                                     {kSensorCritical, "critical", kFailed},
+                                     {kSensorOk, "OK", kOk}};
+    return words;
 }
 
-std::string TempSensorLocation(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {{kSensorLocationOther, "other"},
-                                                          {kSensorAtLedPanel, "LED panel"},
-                                                          {kSensorInCanister, "canister"},
-                                                          {kSensorOnBoard, "board"},
-                                                          {kSensorInPowerSupply, "power supply"}};
-    return Lookup(words, v);
+const Vocabulary& TempSensorLocation() {
+    static const Vocabulary words = {{kSensorLocationOther, "other", kNone},
+                                     {kSensorAtLedPanel, "LED panel", kNone},
+                                     {kSensorInCanister, "canister", kNone},
+                                     {kSensorOnBoard, "board", kNone},
+                                     {kSensorInPowerSupply, "power supply", kNone}};
+    return words;
 }
 
-std::string PowerSupplyStatus(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {{kSupplyNotInstalled, "not installed"},
-                                                          {kSupplyOk, "OK"},
-                                                          {kSupplyCritical, "critical"},
-                                                          {kSupplyUnknown, "unknown"}};
-    return Lookup(words, v);
+const Vocabulary& PowerSupplyStatus() {
+    static const Vocabulary words = {{kSupplyNotInstalled, "not installed", kNone},
+                                     {kSupplyOk, "OK", kOk},
+                                     {kSupplyCritical, "critical", kFailed},
+                                     {kSupplyUnknown, "unknown", kNone}};
+    return words;
 }
 
-std::string Redundancy(uint32_t v) {
-    static const std::map<uint32_t, const char*> words = {{kSuppliesNotRedundant, "not redundant"},
-                                                          {kSuppliesRedundant, "redundant"}};
-    return Lookup(words, v);
+const Vocabulary& Redundancy() {
+    static const Vocabulary words = {{kSuppliesNotRedundant, "not redundant", kWarning},
+                                     {kSuppliesRedundant, "redundant", kOk}};
+    return words;
 }
 
 }  // namespace inventory_words

@@ -1,28 +1,58 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
+#include <vector>
 
-// What the numbers of the module's answers mean, in words.
+// How bad a status is: it chooses the colour of the text views and the health bits of the
+// exit status. kNone for a value that says nothing about health (a type, a location, an
+// unknown state).
+enum class Severity { kNone, kOk, kWarning, kFailed };
+
+// What the numbers of one kind of answer mean, in words, and how bad each is.
+class Vocabulary {
+  public:
+    struct Word {
+        uint32_t value;
+        const char* name;
+        Severity severity;
+    };
+    Vocabulary(std::initializer_list<Word> words) : m_Words(words) {}
+
+    // "unknown" and kNone for a value that is not in it.
+    const char* Name(uint32_t value) const;
+    Severity SeverityOf(uint32_t value) const;
+    // The number with its name behind it: "11 failed".
+    std::string Show(uint32_t value) const;
+    // Every value with its name: "0 OK, 1 warning, 2 failed".
+    std::string Legend() const;
+
+  private:
+    const Word* Find(uint32_t value) const;
+    std::vector<Word> m_Words;
+};
+
+// The meanings of the module's answers.
 namespace inventory_words {
 
-std::string AdapterType(uint32_t value);
-std::string AdapterStatus(uint32_t value);
-std::string DriveStatus(uint32_t value);
-std::string DriveType(uint32_t value);
-std::string SmartFlag(uint32_t value);
-std::string LogicalDriveStatus(uint32_t value);
-std::string BatteryStatus(uint32_t value);
-std::string LearnCycle(uint32_t value);
+const Vocabulary& AdapterType();
+const Vocabulary& AdapterStatus();
+const Vocabulary& DriveStatus();
+const Vocabulary& DriveType();
+const Vocabulary& SmartFlag();
+const Vocabulary& LogicalDriveStatus();
+const Vocabulary& BatteryStatus();
+const Vocabulary& LearnCycle();
 // 1, 2, 3 as OK, warning, failed; 0 as unknown.
-std::string ComponentStatus(uint32_t value);
+const Vocabulary& ComponentStatus();
 
 // A cabinet's objects: each kind has a code set of its own.
-std::string FanStatus(uint32_t value);
-std::string FanLocation(uint32_t value);
-std::string TempSensorStatus(uint32_t value);
-std::string TempSensorLocation(uint32_t value);
-std::string PowerSupplyStatus(uint32_t value);
-std::string Redundancy(uint32_t value);
+const Vocabulary& FanStatus();
+const Vocabulary& FanLocation();
+const Vocabulary& TempSensorStatus();
+const Vocabulary& TempSensorLocation();
+const Vocabulary& PowerSupplyStatus();
+const Vocabulary& Redundancy();
 
 }  // namespace inventory_words

@@ -16,6 +16,10 @@ Reply ModuleClient::Ask(uint32_t oc, uint32_t oe, uint32_t oi, const std::string
     m_Module.ModuleRequest(&record);
     Reply reply;
     reply.status = record.GetField("ST", status::kMissing);
+    if (m_pTally) {
+        ++m_pTally->nSent;
+        m_pTally->nAnswered += reply.Ok() ? 1 : 0;
+    }
     const rapidjson::Value* cmd = record.Command(0);
     const rapidjson::Value* da = cmd ? CommandRecord::FindMember(*cmd, "DA") : nullptr;
     if (da && da->IsUint64())
@@ -33,35 +37,22 @@ Reply ModuleClient::Ask(uint32_t oc, uint32_t oe, uint32_t oi, const std::string
     return reply;
 }
 
-std::string ModuleClient::Show(uint32_t oc, uint32_t oe, uint32_t oi,
-                               std::string (*meaning)(uint32_t), const char* unit) {
-    Reply r = Ask(oc, oe, oi);
-    if (!r.Ok())
-        return NoAnswer(r.status);
-    return meaning ? meaning(static_cast<uint32_t>(r.number)) : std::to_string(r.number) + unit;
-}
-
-std::string ModuleClient::Text(uint32_t oc, uint32_t oe, uint32_t oi) {
-    Reply r = Ask(oc, oe, oi);
-    return r.Ok() ? r.text : NoAnswer(r.status);
-}
-
 uint32_t ModuleClient::Count(uint32_t oc, uint32_t oe) {
     Reply r = Ask(oc, oe);
     return r.Ok() ? static_cast<uint32_t>(r.number) : 0;
 }
 
-std::string ModuleClient::NoAnswer(uint32_t status) {
+std::string ModuleClient::NoAnswerReason(uint32_t status) {
     switch (status) {
         case status::kNoSuchObject:
-            return "(no such object)";
+            return "no such object";
         case status::kNoRaidData:
-            return "(no RAID data)";
+            return "no RAID data";
         case status::kNotAvailable:
-            return "(not available)";
+            return "not available";
         case status::kCabinetUnknown:
-            return "(no such cabinet)";
+            return "no such cabinet";
         default:
-            return "(status " + std::to_string(status) + ")";
+            return "status " + std::to_string(status);
     }
 }

@@ -11,11 +11,17 @@ class CIExtensionModule;
 
 // One answer of the module: its status and its data as a number, a text or raw bytes.
 struct Reply {
-    uint32_t status = 0;
+    uint32_t status = status::kMissing;
     uint64_t number = 0;
     std::string text;
     std::vector<uint32_t> raw;
     bool Ok() const { return status == status::kOk; }
+};
+
+// The requests that the clients of one tally have made, and those answered with a value.
+struct RequestTally {
+    uint64_t nSent = 0;
+    uint64_t nAnswered = 0;
 };
 
 // A client of the switch, as the module sees it: requests under one client id, to the server
@@ -23,23 +29,28 @@ struct Reply {
 class ModuleClient {
   public:
     ModuleClient(CIExtensionModule& module, uint32_t clientId,
-                 std::optional<uint32_t> cabinet = std::nullopt)
-        : m_Module(module), m_nClientId(clientId), m_Cabinet(cabinet) {}
+                 std::optional<uint32_t> cabinet = std::nullopt, RequestTally* tally = nullptr)
+        : m_Module(module), m_nClientId(clientId), m_Cabinet(cabinet), m_pTally(tally) {}
+
+    // The same client, its requests addressed to a cabinet; counted in the same tally.
+    ModuleClient AtCabinet(uint32_t cabinet) const {
+        return ModuleClient(m_Module, m_nClientId, cabinet, m_pTally);
+    }
 
     // daJson: the request's DA as JSON, none when empty.
     Reply Ask(uint32_t oc, uint32_t oe = 0, uint32_t oi = 0, const std::string& daJson = "");
-
-    // The answer in words, or what the status says when there is none.
-    // Without a meaning, the number with the unit behind it.
-    std::string Show(uint32_t oc, uint32_t oe, uint32_t oi, std::string (*meaning)(uint32_t),
-                     const char* unit = "");
-    std::string Text(uint32_t oc, uint32_t oe, uint32_t oi);
+    // The count that the module answers, 0 when it answers none.
     uint32_t Count(uint32_t oc, uint32_t oe = 0);
 
-    static std::string NoAnswer(uint32_t status);
+    CIExtensionModule& Module() const { return m_Module; }
+
+    // What a status other than 0 says, "not available", and so in parentheses.
+    static std::string NoAnswerReason(uint32_t status);
+    static std::string NoAnswer(uint32_t status) { return "(" + NoAnswerReason(status) + ")"; }
 
   private:
     CIExtensionModule& m_Module;
     uint32_t m_nClientId;
     std::optional<uint32_t> m_Cabinet;
+    RequestTally* m_pTally;
 };

@@ -61,6 +61,7 @@ Options:
                        the file is for its owner only (mode 0600)
   --client-id ID       client_id that a login must carry (default TLRM_CLIENT_TLAS)
   --help               this text
+  --version            the version of tlrcd-sim
 
 Control file: a JSON object with a member per endpoint, "authJwt", "sdt" or "redfishOp",
 each an object with any of:
@@ -91,6 +92,10 @@ bool ParseSimOptions(int argc, char** argv, CSimOptions& options, std::string& e
         const std::string arg = argv[i];
         if (arg == "--help" || arg == "-h") {
             options.bHelp = true;
+            continue;
+        }
+        if (arg == "--version") {
+            options.bVersion = true;
             continue;
         }
         static const char* const kWithValue[] = {"--listen", "--cert",      "--key",

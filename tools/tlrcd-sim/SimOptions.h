@@ -17,6 +17,7 @@ struct CSimOptions {
     std::string sLogFile;
     std::string sClientId;
     bool bHelp = false;
+    bool bVersion = false;
 };
 
 // Reads the command line; false with a message in error when it is wrong.

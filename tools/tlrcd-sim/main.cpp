@@ -68,6 +68,10 @@ int main(int argc, char** argv) {
         fputs(SimUsage(), stdout);
         return 0;
     }
+    if (options.bVersion) {
+        printf("tlrcd-sim %s\n", TLR_VERSION);
+        return 0;
+    }
     std::unique_ptr<CSimScenario> scenario;
     if (!CheckFiles(options, scenario, error))
         return Fail(kExitUsage, error);
