@@ -14,7 +14,7 @@ sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."
 import hostsession as hs  # noqa: E402
 
 THREADS = [1, 2, 4]
-REQUESTS_PER_BURST = 240  # shared out among the threads
+REQUESTS_PER_BURST = 960  # shared out among the threads
 ROUNDS = 5
 # The two requests of the comparison: the adapter count (the snapshot's parse and little
 # else) and a drive's status (a cut of the adapter and its parse besides).

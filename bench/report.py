@@ -358,7 +358,8 @@ class Report:
         if twos:
             self.targets.append(("emhost burst: 2 threads at least 1.6 times one",
                                  f"{min(twos):.2f} to {max(twos):.2f}", min(twos) >= 1.6))
-            self.targets.append(("emhost burst: 4 threads not below 2",
+            self.targets.append(("emhost burst: 4 threads not below 2 (within the 5 % that "
+                                 "one run of bursts varies)",
                                  f"{min(fours):.2f} to {max(fours):.2f} times 2 threads",
                                  min(fours) >= 0.95))
         return table(["request", "1 thread /s", "2 threads /s", "4 threads /s", "2 / 1", "4 / 1"],
