@@ -218,7 +218,8 @@ class Report:
             plots.append(f"'$data' index 1 using 1:{i + 2} with linespoints dt 2 lc {i + 1} "
                          f"title '{parser}, fresh memory'")
         return gnuplot(docs, "parse.png", "\n".join(lines), [
-            "set logscale x", "set xlabel 'document size (MB)'", "set ylabel 'MB/s'",
+            "set logscale x", "set xrange [0.008:30]", "set xlabel 'document size (MB)'",
+            "set ylabel 'MB/s'",
             "set key outside right", "set title 'Parse throughput, memory reused (solid) and fresh (dashed)'",
             "plot " + ", ".join(plots)])
 
