@@ -80,8 +80,8 @@ class CXmlDoc {
     std::string GetSubDoc(uint32_t iPos) const;               // the element's markup
     std::string GetDoc() const { return m_sDoc; }             // a copy of the whole text
     const std::string& GetDocText() const { return m_sDoc; }  // the whole text in place
-    std::string TakeDoc();  // hands the text over and leaves the document empty
-    std::string GetElemPath() const;                          // path of main, with [n] where needed
+    std::string TakeDoc();            // hands the text over and leaves the document empty
+    std::string GetElemPath() const;  // path of main, with [n] where needed
 
     // Editing
     bool AddElem(const char* pszName, const char* pszValue = nullptr, uint32_t nFlags = 0);

@@ -14,14 +14,14 @@
 
 namespace {
 
-struct ModeSpec {
+struct ModeEntry {
     Mode mode;
     const char* name;  // empty for the line protocol
     const char* usage;
     const char* about;
 };
 
-const ModeSpec kModes[] = {
+const ModeEntry kModes[] = {
     {Mode::kLines, "", "[OPTIONS] [SCRIPT]",
      "Loads an extension module and drives it with JSON lines, one per line, from SCRIPT or "
      "standard input. Each line gets one JSON result line on standard output. "
@@ -62,17 +62,17 @@ constexpr unsigned Bit(Mode mode) {
 constexpr unsigned kViews = Bit(Mode::kInventory) | Bit(Mode::kWatch) | Bit(Mode::kMetrics);
 constexpr unsigned kAll = Bit(Mode::kLines) | Bit(Mode::kExport) | kViews;
 
-const ModeSpec& SpecOf(Mode mode) {
-    for (const ModeSpec& spec : kModes) {
-        if (spec.mode == mode)
-            return spec;
+const ModeEntry& EntryOf(Mode mode) {
+    for (const ModeEntry& entry : kModes) {
+        if (entry.mode == mode)
+            return entry;
     }
     return kModes[0];
 }
 
 std::string Command(Mode mode) {
-    const ModeSpec& spec = SpecOf(mode);
-    return *spec.name ? std::string("emhost ") + spec.name : "emhost";
+    const ModeEntry& entry = EntryOf(mode);
+    return *entry.name ? std::string("emhost ") + entry.name : "emhost";
 }
 
 bool ParseU32(const std::string& text, uint32_t& value) {
@@ -157,7 +157,8 @@ const OptionSpec kOptions[] = {
      [](Options& o, const std::string& value, std::string& error) {
          return Seconds(value, o.nIntervalSec, "--interval", error);
      }},
-    {"--module", "PATH", kAll, "the shared object to load (default: em_tlraid.so beside emhost, else the installed one)",
+    {"--module", "PATH", kAll,
+     "the shared object to load (default: em_tlraid.so beside emhost, else the installed one)",
      [](Options& o, const std::string& value, std::string& error) {
          if (value.empty())
              error = "--module takes the path of a shared object";
@@ -216,15 +217,15 @@ std::string Wrapped(const std::string& text, size_t width, size_t indent) {
 
 void PrintHelp(Mode mode) {
     constexpr size_t kWidth = 79, kColumn = 22;
-    const ModeSpec& spec = SpecOf(mode);
-    printf("Usage: emhost %s\n", spec.usage);
+    const ModeEntry& entry = EntryOf(mode);
+    printf("Usage: emhost %s\n", entry.usage);
     if (mode == Mode::kLines) {
-        for (const ModeSpec& other : kModes) {
+        for (const ModeEntry& other : kModes) {
             if (other.mode != Mode::kLines)
                 printf("  or:  emhost %s\n", other.usage);
         }
     }
-    printf("\n%s\n", Wrapped(spec.about, kWidth, 0).c_str());
+    printf("\n%s\n", Wrapped(entry.about, kWidth, 0).c_str());
     if (mode == Mode::kLines)
         printf("\nCommands, each with its --help: inventory, export, watch, metrics.\n");
     printf("\nOptions:\n");
@@ -265,9 +266,9 @@ void UsageError(Mode mode, const std::string& text) {
 Options ParseCommandLine(int argc, char** argv) {
     Options o;
     int first = 1;
-    for (const ModeSpec& spec : kModes) {
-        if (argc > 1 && *spec.name && strcmp(argv[1], spec.name) == 0) {
-            o.mode = spec.mode;
+    for (const ModeEntry& entry : kModes) {
+        if (argc > 1 && *entry.name && strcmp(argv[1], entry.name) == 0) {
+            o.mode = entry.mode;
             first = 2;
         }
     }
@@ -283,7 +284,7 @@ Options ParseCommandLine(int argc, char** argv) {
         }
         if (arg.size() < 2 || arg[0] != '-') {
             if (o.mode != Mode::kLines)
-                UsageError(o.mode, SpecOf(o.mode).name + std::string(" takes no argument, not '") +
+                UsageError(o.mode, EntryOf(o.mode).name + std::string(" takes no argument, not '") +
                                        arg + "'");
             if (!o.script.empty())
                 UsageError(o.mode, "only one SCRIPT may be given, not also '" + arg + "'");
@@ -302,7 +303,7 @@ Options ParseCommandLine(int argc, char** argv) {
         if (!(option->modes & Bit(o.mode))) {
             UsageError(o.mode, name + " is no option of " +
                                    (o.mode == Mode::kLines ? std::string("the line protocol")
-                                                           : SpecOf(o.mode).name));
+                                                           : EntryOf(o.mode).name));
         }
         std::string value;
         if (eq != std::string::npos) {

@@ -115,7 +115,8 @@ int main(int argc, char** argv) {
         UsageError(options.mode, error);
     // A trace that is written anywhere (watch and metrics write none without --trace) may
     // hold secrets.
-    if ((options.mode != Mode::kWatch && options.mode != Mode::kMetrics) || !options.trace.empty()) {
+    if ((options.mode != Mode::kWatch && options.mode != Mode::kMetrics) ||
+        !options.trace.empty()) {
         fputs(SecretsNote(ConfiguredTraceLevel(library.GetModuleName()), options.trace).c_str(),
               stderr);
     }
