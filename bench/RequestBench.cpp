@@ -23,16 +23,10 @@
 #include "storage/TLRaidData.h"
 #include "support/FakeRaidDaemon.h"
 #include "support/FastTimings.h"
+#include "support/QuietSwitch.h"
 #include "xml/XmlAttribScan.h"
 
 namespace {
-
-class QuietSwitch : public ISwitch {
-  public:
-    int SendRequest(CIExtensionModule*, CommandRecord*, uint32_t) override { return 0; }
-    int SendEvent(CIExtensionModule*, CommandRecord*) override { return 0; }
-    uint32_t GetSwitchType() override { return 1; }
-};
 
 // The trees by number: 0-2 gen-tree's sizes; 10 + 3 * direction + step the growth series,
 // direction 0 width, 1 depth, 2 attributes, step 0, 1, 2 for 1, 10 and 100 times the base.
@@ -78,18 +72,11 @@ const std::string& Tree(int64_t nTree) {
     return text;
 }
 
-// One polling cycle at start, then none while the benchmarks run.
-RaidTimings QuietTimings() {
-    RaidTimings t = FastTimings();
-    t.nPollIntervalMs = 3600 * 1000;
-    return t;
-}
-
 // The module, started once on the first tree asked for and stopped when the process ends.
 struct Session {
     std::shared_ptr<FakeRaidDaemon> pDaemon = std::make_shared<FakeRaidDaemon>();
     QuietSwitch sw;
-    EM_TLRAID module{QuietTimings(), pDaemon};
+    EM_TLRAID module{OneCycleTimings(), pDaemon};
     int64_t nServed = -1;
 
     Session() {
@@ -263,30 +250,28 @@ void WalkAndWrite(const CXmlDoc& doc, std::string& sOut) {
     }
 }
 
+// A text parsed and written out again by one walk.
+std::string ParsedAndWritten(const std::string& text) {
+    CXmlDoc doc;
+    doc.SetDoc(text);
+    std::string sOut;
+    WalkAndWrite(doc, sOut);
+    return sOut;
+}
+
 // The snapshot's parse, the rebuilt tree written, the answer copied into the record.
 void FloorExportXml(benchmark::State& state) {
     Floor(state, [](const std::string& text) {
-        CTLRaidData tree;
-        tree.SetDoc(text);
-        std::string sOut;
-        WalkAndWrite(tree, sOut);
-        std::string sAnswer = sOut;
-        benchmark::DoNotOptimize(sAnswer.data());
+        const std::string sAnswer = ParsedAndWritten(text);
+        benchmark::DoNotOptimize(std::string(sAnswer).data());
     });
 }
 
 // The same, then the rebuilt tree parsed and written once more.
 void FloorExportJson(benchmark::State& state) {
     Floor(state, [](const std::string& text) {
-        CTLRaidData tree;
-        tree.SetDoc(text);
-        std::string sXml, sJson;
-        WalkAndWrite(tree, sXml);
-        CXmlDoc exported;
-        exported.SetDoc(sXml);
-        WalkAndWrite(exported, sJson);
-        std::string sAnswer = sJson;
-        benchmark::DoNotOptimize(sAnswer.data());
+        const std::string sAnswer = ParsedAndWritten(ParsedAndWritten(text));
+        benchmark::DoNotOptimize(std::string(sAnswer).data());
     });
 }
 

@@ -11,22 +11,9 @@
 #include "raid/EM_TLRAID.h"
 #include "support/FakeRaidDaemon.h"
 #include "support/FastTimings.h"
+#include "support/QuietSwitch.h"
 
 namespace {
-
-class QuietSwitch : public ISwitch {
-  public:
-    int SendRequest(CIExtensionModule*, CommandRecord*, uint32_t) override { return 0; }
-    int SendEvent(CIExtensionModule*, CommandRecord*) override { return 0; }
-    uint32_t GetSwitchType() override { return 1; }
-};
-
-// One polling cycle at start, and none while the fuzzer runs.
-RaidTimings OneCycleTimings() {
-    RaidTimings t = FastTimings();
-    t.nPollIntervalMs = 3600 * 1000;
-    return t;
-}
 
 // The module, started on the demo tree; stopped when the process ends.
 struct Session {

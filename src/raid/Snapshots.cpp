@@ -9,6 +9,10 @@
 bool EM_TLRAID::TLRaidDataGetSnapshot(CTLRaidData& doc, uint32_t clientId) {
     TLR_TRACE(5, "\nEM_TLRAID (GetSnap) : -> TLRaidDataGetSnapshot (CTLRaidData)");
     bool result = false;
+    const auto traceException = [clientId] {
+        TLR_TRACE(1, "\nEM_TLRAID (GetSnap) : CID 0x%08X: ERROR! Exception in GetRaidDataSnapshot",
+                  clientId);
+    };
     // A snapshot found is parsed outside the lock, so that clients read theirs side by side.
     SnapshotText found;
     {
@@ -36,10 +40,7 @@ bool EM_TLRAID::TLRaidDataGetSnapshot(CTLRaidData& doc, uint32_t clientId) {
                           clientId, static_cast<unsigned>(m_Snapshots.size()));
             }
         } catch (...) {
-            TLR_TRACE(1,
-                      "\nEM_TLRAID (GetSnap) : CID 0x%08X: ERROR! Exception in "
-                      "GetRaidDataSnapshot",
-                      clientId);
+            traceException();
             result = false;
         }
     }
@@ -48,10 +49,7 @@ bool EM_TLRAID::TLRaidDataGetSnapshot(CTLRaidData& doc, uint32_t clientId) {
             doc.SetDoc(*found);
             result = doc.IsValid();
         } catch (...) {
-            TLR_TRACE(1,
-                      "\nEM_TLRAID (GetSnap) : CID 0x%08X: ERROR! Exception in "
-                      "GetRaidDataSnapshot",
-                      clientId);
+            traceException();
             result = false;
         }
     }

@@ -23,3 +23,11 @@ inline RaidTimings FastTimings() {
     t.nPollIntervalMs = 60000;
     return t;
 }
+
+// The same with one polling cycle at start and none for an hour after: for a module that
+// answers requests on a tree nobody changes.
+inline RaidTimings OneCycleTimings() {
+    RaidTimings t = FastTimings();
+    t.nPollIntervalMs = 3600 * 1000;
+    return t;
+}
